@@ -1,0 +1,39 @@
+# Convenience targets over CMake. Every target builds what it needs first.
+BUILD      ?= build
+ASAN_BUILD ?= build-asan
+JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
+CMAKE_GEN  := cmake -S . -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
+
+.PHONY: all release deps test asan bench demo install clean
+
+all: release
+
+deps:
+	bash scripts/install-deps.sh
+
+release:
+	$(CMAKE_GEN) -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
+	cmake --build $(BUILD) -j $(JOBS)
+
+test: release
+	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
+
+asan:
+	$(CMAKE_GEN) -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_SANITIZE=ON
+	cmake --build $(ASAN_BUILD) -j $(JOBS)
+	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
+	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
+bench: release
+	cmake --build $(BUILD) --target tarvos_bench -j $(JOBS)
+	$(BUILD)/bench/tarvos_bench --data $(BUILD)/data
+
+demo: release
+	bash scripts/demo.sh $(BUILD)
+
+install: release
+	cmake --install $(BUILD)
+
+clean:
+	rm -rf $(BUILD) $(ASAN_BUILD)

@@ -1,0 +1,47 @@
+// Reading the feature switches of "ZYG-Configure.json".
+#include <strings.h>
+
+#include <fstream>
+
+#include <json/json.h>
+
+#include "api/Globals.h"
+#include "utility/ErrorLog.h"
+
+namespace {
+
+// The value of a key as text; "" for a missing key or one that is not a
+// string, number or boolean.
+tstring ReadSwitch(const Json::Value& root, const char* sKey) {
+  const Json::Value& value = root[sKey];
+  if (value.isString() || value.isNumeric() || value.isBool()) return value.asString();
+  return "";
+}
+
+bool Is(const tstring& sValue, const char* sWord) { return strcasecmp(sValue.c_str(), sWord) == 0; }
+
+}  // namespace
+
+int LoadZYGConfigre(const char* sFilename) {
+  tstring sName = sFilename ? sFilename : "";
+  std::ifstream in(sName, std::ios::binary);
+  Json::Value root;
+  Json::CharReaderBuilder builder;
+  JSONCPP_STRING sErrors;
+  if (!in || !Json::parseFromStream(builder, in, &root, &sErrors) || !root.isObject()) {
+    SetLastError("Failed reading file " + sName);
+    return 0;
+  }
+  // Switches that default to on go off only by the exact word "off"; those
+  // that default to off go on only by "on". Anything else keeps the default.
+  g_bPunctionCheck = Is(ReadSwitch(root, "PunctionCheck"), "off") ? 0 : 1;
+  g_bFormatCheck = Is(ReadSwitch(root, "FormatCheck"), "off") ? 0 : 1;
+  if (Is(ReadSwitch(root, "OCR"), "on")) g_bOCR = 1;
+  if (Is(ReadSwitch(root, "FilterCheck"), "on")) g_bFilteringCheck = 1;
+  if (Is(ReadSwitch(root, "SpellCheck"), "on")) {
+    g_bSpellingCheck = 1;
+    g_sSpellingHostIP = ReadSwitch(root, "SpellCheckIP");
+  }
+  if (Is(ReadSwitch(root, "CountryDetect"), "on")) g_bCountryDetect = 1;
+  return 1;
+}

@@ -1,0 +1,80 @@
+#pragma once
+// CReportChecker is one checking instance: it owns a document model, the
+// findings of its last check and a reviser, runs every check over one imported
+// document in a fixed order and renders the findings. Texts it returns are
+// copies owned by its buffer manager and live as long as the instance.
+#include <memory>
+
+#include "utility/BufferManager.h"
+#include "utility/TString.h"
+
+class CDocxParser;
+class CCheckResult;
+class CDocReviser;
+
+class CReportChecker {
+ public:
+  CReportChecker();
+  ~CReportChecker();
+  // Hosts hold pointers into the instance's buffers; it is never copied.
+  CReportChecker(const CReportChecker&) = delete;
+  CReportChecker& operator=(const CReportChecker&) = delete;
+
+  int ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat);
+  int ImportMemory(const char* sTxt, int nType, int nResultFormat);
+  const char* ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType,
+                         int nResultFormat);
+  size_t LoadDocResult(const char* sResultXMLFilename);
+  const char* GetCurTemplateInfo();
+
+  // Runs every check over the imported document, in order: rule-engine audit,
+  // format check (when switched on), error-word check (when switched on),
+  // HTML rendering. Returns 1.
+  int Check(int nType, int nResultFormat, const char* sOrgnization, bool bDebug);
+
+  // One rule over one line of text. Null when it cannot run.
+  const char* CheckMem(const char* sLine, int nType, int rule_id);
+
+  // Knowledge extraction over the imported document; a copy owned by the instance.
+  const char* ExtractKnowledge(int nType, int nResultFormat);
+
+  // Format check again from a saved result. Returns 1; -1 on failure.
+  int ReCheckFormat(const char* sReviseXMLFile, int nTemplateID);
+
+  const char* ReviseF(const char* sReviseXMLResult);
+
+  // Redraws the HTML pages from a saved result. Null on success, the error
+  // text on failure (a thread copy of the last error).
+  const char* ShowHtmlError(const char* sReviseXMLResult);
+
+  // Renders the findings into m_sResult: XML in a "TARVOS" root for format 0,
+  // JSON otherwise. Valid until the next rendering; null on failure.
+  const char* GetResult();
+  // GetResult(), copied into the buffer manager.
+  const char* GetResultE();
+  // A copy of a stored text: 0 findings, 1 knowledge graph, 6 single key
+  // values, 7 tuples, 8 entity key values; null for any other type.
+  const char* GetResult(int result_type);
+  // Writes "<folder of the working path>/<name>_Check.json" for format 1, else
+  // "..._Check.xml"; returns its path for format 0, the text otherwise.
+  const char* GetResultFile(int nResultFormat);
+
+  // Error-word check over every paragraph. Returns 1.
+  int CheckErrorWord();
+
+  int GetReportType() const { return m_nReportType; }
+  const CBufferManager& GetBufferManager() const { return *m_pBufManager; }
+
+ private:
+  std::unique_ptr<CBufferManager> m_pBufManager;  // every text handed to the host
+  std::unique_ptr<CDocxParser> m_pDocxParser;     // the document model
+  std::unique_ptr<CCheckResult> m_pCheckResult;   // findings of the last check
+  std::unique_ptr<CDocReviser> m_pDocReviser;     // revised DOCX and HTML marks
+  tstring m_sResult;           // last rendered result (or result file path)
+  tstring m_sKGResult;         // knowledge-graph result of the last check
+  tstring m_sSingleKeyResult;  // single key-value result
+  tstring m_sEntityKeyResult;  // entity key-value result
+  tstring m_sTupleResult;      // tuple result
+  int m_nReportType = -1;      // report type of the last check
+  int m_nResultFormat = 0;     // 0 XML, otherwise JSON
+};

@@ -1,0 +1,66 @@
+// tarvos-mkdata SRC OUT: builds the data directory OUT/Data from the text
+// sources in SRC/Data, through the same loaders the engine uses, so a source
+// that the engine would refuse fails the build instead.
+#include <sys/stat.h>
+
+#include <fstream>
+#include <iostream>
+
+#include "checker/ID2Message.h"
+#include "rules/ZYGManager.h"
+#include "utility/ErrorLog.h"
+#include "utility/Num2FontSize.h"
+
+namespace {
+
+bool MakeDir(const std::string& sPath) { return mkdir(sPath.c_str(), 0755) == 0 || errno == EEXIST; }
+
+bool CopyFile(const std::string& sFrom, const std::string& sTo) {
+  std::ifstream in(sFrom, std::ios::binary);
+  std::ofstream out(sTo, std::ios::binary);
+  return in && out && (out << in.rdbuf()) && out.flush();
+}
+
+int Fail(const std::string& sWhat) {
+  std::cerr << "tarvos-mkdata: " << sWhat;
+  std::string sError = GetLastError();
+  if (!sError.empty()) std::cerr << ": " << sError;
+  std::cerr << "\n";
+  return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 3) {
+    std::cerr << "usage: tarvos-mkdata SOURCE_DIR OUTPUT_DIR\n";
+    return 2;
+  }
+  const std::string sSrc = std::string(argv[1]) + "/Data";
+  const std::string sRoot = argv[2];
+  const std::string sOut = sRoot + "/Data";
+  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font"})
+    if (!MakeDir(sDir)) return Fail("cannot create " + sDir);
+
+  for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model"})
+    if (!CopyFile(sSrc + sName, sOut + sName)) return Fail(std::string("cannot copy ") + sName);
+
+  CID2Message catalogue;
+  if (catalogue.Import((sSrc + "/Error/ErrorMessage.txt").c_str()) < 1)
+    return Fail("message list unreadable or empty");
+  if (catalogue.Save((sOut + "/Error/ErrorMessage.dat").c_str()) < 1)
+    return Fail("cannot write the message catalogue");
+
+  CNum2FontSize fontSizes;
+  if (fontSizes.Import((sSrc + "/Font/FontSize.txt").c_str()) < 1) return Fail("font-size table empty");
+  if (!CopyFile(sSrc + "/Font/FontSize.txt", sOut + "/Font/FontSize.dat"))
+    return Fail("cannot write the font-size table");
+
+  // A manager that knows no document type yet; rule imports add them.
+  CZYGManager manager(sRoot.c_str());
+  if (manager.Save() != 1) return Fail("cannot write the rule manager file");
+
+  std::cout << "tarvos-mkdata: " << catalogue.GetMessages().size() << " messages, "
+            << fontSizes.GetCount() << " font sizes -> " << sOut << "\n";
+  return 0;
+}

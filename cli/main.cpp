@@ -1,0 +1,23 @@
+// tarvos: the command-line tool over the checking engine.
+#include <CLI/CLI.hpp>
+
+#include <iostream>
+
+#include "cli/DataDir.h"
+#include "cli/InfoCommand.h"
+
+int main(int argc, char** argv) {
+  CLI::App app{"Tarvos checks Chinese reports, theses and contracts against their templates and rules."};
+  app.set_version_flag("--version", std::string("tarvos ") + TARVOS_VERSION);
+  app.require_subcommand(0, 1);
+
+  std::string sData;
+  CLI::App* pInfo = app.add_subcommand("info", "start the engine, print its switches and services");
+  pInfo->add_option("--data", sData, "data directory (default: $TARVOS_DATA, else the built or installed one)");
+
+  CLI11_PARSE(app, argc, argv);
+
+  if (pInfo->parsed()) return RunInfo(ChooseDataDir(sData), std::cout, std::cerr);
+  std::cout << app.help();
+  return 0;
+}

@@ -1,0 +1,295 @@
+/*
+ * tarvos.h - the C interface of the Tarvos checking engine.
+ *
+ * Tarvos checks Chinese reports, theses and contracts: fonts, sizes and line
+ * spacing against an organisation's template, the table of contents, heading
+ * numbering, required texts, misspelt words and audit rules over extracted
+ * values. A host initialises the engine once, creates checking instances and
+ * hands each a document; every finding comes back as XML or JSON.
+ *
+ * A session:
+ *   1. TARVOS_Init(data_dir)               start the shared services; creates handle 0
+ *   2. h = TARVOS_NewInstance()            optional: one more instance per thread
+ *   3. TARVOS_CheckReportF(file, ..., h)   check a document; returns the result
+ *   4. TARVOS_GetResult(type, h)           read stored result texts again
+ *   5. TARVOS_DeleteInstance(h)            optional: release the instance early
+ *   6. TARVOS_Exit()                       stop the services, delete every instance
+ *
+ * Conventions (each declaration below states only its exceptions):
+ *
+ *   Status codes. Functions returning int return 1 (or a count, or a handle)
+ *   on success and 0 or a negative number on failure. After any failure the
+ *   reason is in TARVOS_GetLastErrorMsg(). Unknown non-zero negative codes
+ *   are failures too; more may be added.
+ *
+ *   Handles. A checking instance is named by an int handle, its index in the
+ *   engine's instance table. Handles grow monotonically and are never reused
+ *   within one initialisation; a deleted handle stays invalid. Any call with an
+ *   invalid or deleted handle fails and sets the last error "TARVOS not init!".
+ *
+ *   Text. Every string passed in or returned is UTF-8 and zero-terminated.
+ *   File names are converted to the process locale's code page before they are
+ *   opened. The engine copies every input string before the call returns, so
+ *   the caller may free or reuse its buffers at once. A NULL string argument is
+ *   refused with the function's failure status, except where a declaration
+ *   gives NULL a meaning.
+ *
+ *   Returned text is owned by the engine; never free it, copy it to keep it.
+ *   Each function returning const char* names one of these lifetimes:
+ *     STATIC    constant text, valid while the library is loaded.
+ *     INSTANCE  owned by the instance `handle`; valid until that instance is
+ *               deleted (TARVOS_DeleteInstance or TARVOS_Exit).
+ *     SERVICE   owned by a process-wide service; valid until the next call
+ *               of the same family that returns text, or TARVOS_Exit.
+ *     THREAD    a copy kept for the calling thread; valid until this thread's
+ *               next call of the same function.
+ *
+ *   Exceptions and crashes. No function throws or aborts on bad input: every
+ *   failure is reported through the status and the last-error text.
+ *
+ *   Threads. TARVOS_Init and TARVOS_Exit must not overlap any other call. One
+ *   instance is used by one thread at a time; different instances may be used
+ *   from different threads at once. Template and rule-editing calls are
+ *   expected from one thread.
+ *
+ *   Services still being built. A call whose service is not available in this
+ *   build fails with its documented status and a last-error text that names
+ *   the missing service.
+ */
+#ifndef TARVOS_H
+#define TARVOS_H
+
+#include <stdbool.h>
+
+#if defined(TARVOS_BUILDING_LIBRARY)
+#define TARVOS_API __attribute__((visibility("default")))
+#else
+#define TARVOS_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* ===================================================================== */
+/* Start-up, shut-down and the shared dictionaries                        */
+/* ===================================================================== */
+
+/* Starts the engine on a data directory (the folder that holds "Data/").
+   NULL or "" means the current working directory; a path starting with "."
+   is taken relative to the working directory; any other path is used as is.
+   Reads "Data/ZYG-Configure.json" for the feature switches (a missing file
+   keeps the defaults). Creates instance 0.
+   Returns 1 on success; -1 the rule engine did not start (e.g. the directory
+   does not exist); -5 the format checker could not be created; -6 the message
+   catalogue "Data/Error/ErrorMessage.dat" was not loaded; -7 the font-size
+   table "Data/Font/FontSize.dat" was not loaded (needed only when format
+   checking is on). */
+TARVOS_API int TARVOS_Init(const char* sInitDirPath);
+
+/* Stops every service and deletes every instance; all INSTANCE and SERVICE
+   texts die here. Safe to call when not initialised. */
+TARVOS_API void TARVOS_Exit(void);
+
+/* Merges a text list of error messages ("id message each_score max_score" per
+   line after one header line) into the catalogue, then saves the catalogue to
+   "../Data/Error/ErrorMessage.dat" relative to the working directory that
+   TARVOS_Init saw. Returns the number of ids saved; 0 when not initialised;
+   -1 when the list cannot be read or the catalogue cannot be written. */
+TARVOS_API int TARVOS_ImportErrorMsg(const char* sErrorListFile);
+
+/* Adds a list of similar words to the similar-word dictionary.
+   Returns the number of entries imported; 0 on failure. */
+TARVOS_API int TARVOS_ImportSimDict(const char* sSimDictFile);
+
+/* Adds a list of misspellings and corrections to the spelling dictionary and
+   hands its words to the segmenter. Returns the segmenter's count of imported
+   words; 0 on failure. */
+TARVOS_API int TARVOS_ImportSpellErrorDict(const char* sSpellErrorDict);
+
+/* Imports a user dictionary into the segmenter (lines "word<TAB>tag").
+   Returns the number of words imported; 0 on failure. */
+TARVOS_API int TARVOS_ImportUserDict(const char* sUserDict);
+
+/* Imports a keyword dictionary into the keyword scanner (lines
+   "keyword class weight pinyin_flag"). Returns the number of keywords
+   imported; 0 on failure. */
+TARVOS_API int TARVOS_ImportFieldDict(const char* sFiledDictFile, bool bPinyinAbbrevNeeded,
+                                      bool bOverwrite);
+
+/* The text of the last failure in the process (any thread), or "" if none.
+   Owner: engine (THREAD). Never NULL. */
+TARVOS_API const char* TARVOS_GetLastErrorMsg(void);
+
+/* ===================================================================== */
+/* Instances                                                              */
+/* ===================================================================== */
+
+/* Creates a checking instance. Returns its handle (>= 1; handle 0 is made by
+   TARVOS_Init), or -1 when the engine is not initialised. */
+TARVOS_API int TARVOS_NewInstance(void);
+
+/* Deletes an instance and every INSTANCE text it owns. Returns 1 (also for an
+   already deleted handle), 0 for a handle outside the table. */
+TARVOS_API int TARVOS_DeleteInstance(int handle);
+
+/* Checks a document file (DOCX; other office formats are converted first).
+   nType: report type selecting rules and templates; sOrgnization: the
+   organisation whose template applies (may be ""); nResultFormat: 0 XML,
+   1 JSON, any other value JSON written into a "_Check.xml" file.
+   The result file "<name>_Check.xml" or "<name>_Check.json" lands beside the
+   document. Returns, for format 0, the result file's path; otherwise the JSON
+   text. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_CheckReportF(const char* sReportFile, const char* sURLPrefix,
+                                           const char* sOrgnization, int nType,
+                                           int nResultFormat, bool bDebug, int handle);
+
+/* Checks a plain text held in memory. sURLPrefix is not used. Returns the
+   rendered result text. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_CheckReportM(const char* sReportTxt, const char* sURLPrefix,
+                                           const char* sOrgnization, int nType,
+                                           int nResultFormat, bool bDebug, int handle);
+
+/* A stored result of the last check: 0 the rendered findings, 1 the
+   knowledge-graph result, 6 the single key-value result, 7 the tuple result,
+   8 the entity key-value result. Each call makes a new copy.
+   Owner: instance (INSTANCE). NULL on failure or for another result_type. */
+TARVOS_API const char* TARVOS_GetResult(int result_type, int handle);
+
+/* Loads a saved document structure file into the instance's model.
+   Returns what the model's loader returns (> 0 on success); 0 on failure. */
+TARVOS_API int TARVOS_LoadDocResult(const char* sResultXMLFile, int handle);
+
+/* Imports a document and writes its structure file "<name>_Content.xml".
+   Returns the model's text (see the structure output). Owner: instance
+   (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_ImportDoc(const char* sReportFile, const char* sURLPrefix,
+                                        int handle);
+
+/* Applies an edited finding list to the checked DOCX and writes the revised
+   copy. Returns the reviser's text. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_ReviseReportF(const char* sReviseXMLFile, int handle);
+
+/* Redraws the HTML pages of a checked document from a saved, possibly edited,
+   result. Returns NULL on success and the error text on failure (an inverted
+   convention, kept for existing hosts). Owner of the error text: engine (THREAD
+   of TARVOS_GetLastErrorMsg). */
+TARVOS_API const char* TARVOS_ShowHtmlError(const char* sReviseXMLFile, int handle);
+
+/* Runs the format check again from a saved result with another template.
+   Returns as TARVOS_CheckReportF. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_ReCheckFormat(const char* sCheckXML, int nTemplateID,
+                                            int nResultFormat, int handle);
+
+/* Describes the template chosen for the instance's document.
+   Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_GetCurTemplateInfo(int handle);
+
+/* Runs one rule (rule_id) of report type `type` over one line of text on the
+   checker instance `handle`. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* ZYG_ScanTextMem(const char* sLine, int rule_id, int type, int handle);
+
+/* Extracts knowledge from a text in a new instance of its own, which lives
+   until TARVOS_Exit, so every returned text stays valid until then.
+   Owner: engine (INSTANCE of that hidden instance). NULL on failure. */
+TARVOS_API const char* TARVOS_ExtractKnowledge(const char* sText, int nType);
+
+/* Checks every document of a folder (doc*, wps, pdf, txt) with nThreadCount
+   worker threads; each result file lands beside its document. Returns the
+   number of files found in the folder, or -1 when a thread cannot start. */
+TARVOS_API int TARVOS_CheckReportDir(const char* sReportDir, const char* sOrgnization,
+                                     int nType, int format, int nThreadCount);
+
+/* ===================================================================== */
+/* Templates (available when format checking is on)                       */
+/* ===================================================================== */
+
+/* Learns a template from a sample DOCX for report type, organisation, area
+   and argument. Returns the new template id; 0 on failure. */
+TARVOS_API int TARVOS_ImportTemplate(const char* sTemplateFile, int nType, const char* sOrg,
+                                     const char* sArea, const char* sArgumemt);
+
+/* Replaces template nTemplateID. Returns the store's result; 0 on failure. */
+TARVOS_API int TARVOS_EditTemplate(int nTemplateID, const char* sTemplateFile, int nType,
+                                   const char* sOrg, const char* sArea, const char* sArgumemt);
+
+/* The id of the template that fits; "*" matches any value. 0 or negative
+   when none fits or on failure. */
+TARVOS_API int TARVOS_FindTemplate(int nType, const char* sOrg, const char* sArea,
+                                   const char* sArgumemt);
+
+/* Deletes a template; later ids shift down by one. 0 on failure. */
+TARVOS_API int TARVOS_DeleteTemplate(int nTemplateID);
+
+/* One template as JSON text. Owner: template store (SERVICE; valid until the
+   next TARVOS_GetTemplate or TARVOS_GetTemplateList). NULL on failure. */
+TARVOS_API const char* TARVOS_GetTemplate(int nTemplateID);
+
+/* Number of templates in the store; 0 on failure. */
+TARVOS_API int TARVOS_GetTemplateCount(void);
+
+/* The arguments and areas known for a report type and organisation, as JSON.
+   Owner: template store (SERVICE, as TARVOS_GetTemplate). NULL on failure. */
+TARVOS_API const char* TARVOS_GetTemplateList(int docType, const char* sOrgnization);
+
+/* ===================================================================== */
+/* Rule engine: rule and audit-rule editing                                */
+/* ===================================================================== */
+/* Text results below are owned by the rule manager (SERVICE: valid until the
+   next rule-engine call returning text, or TARVOS_Exit) and are "" on failure.
+   Int results are >= 0 on success and -1 on failure. */
+
+/* Imports "<audits>" rule text from a file or from memory for report type
+   nType, replacing the type's rules when bOverwrite. Returns the count of
+   rules; 0 or -1 on failure. */
+TARVOS_API int TARVOS_ImportZYGRules(const char* sRuleFile, bool bOverwrite, int nType);
+TARVOS_API int TARVOS_ImportZYGRulesFromMem(const char* sRuleText, bool bOverwrite, int nType);
+/* Adds one audit rule in rule text and saves the type's audit rules. */
+TARVOS_API int TARVOS_AddAuditRule(const char* sAuditRule, int nType);
+
+TARVOS_API const char* ZYG_GetSysInfo(void);
+TARVOS_API const char* ZYG_GetRuleListId(int type);
+TARVOS_API const char* ZYG_GetRuleInfo(int rule_id, int type);
+TARVOS_API int ZYG_DelRule(int rule_id, int type);
+TARVOS_API int ZYG_AddRule(const char* sJsonStr, int type);
+TARVOS_API int ZYG_EditRule(int rule_id, const char* sJsonStr, int type);
+
+TARVOS_API const char* Audit_GetSysInfo(int type);
+/* The error-message catalogue as JSON. */
+TARVOS_API const char* Audit_GetErrorInfo(void);
+TARVOS_API const char* Audit_GetRuleListId(int type);
+TARVOS_API const char* Audit_GetRuleInfo(int rule_id, int type);
+TARVOS_API int Audit_DelRule(int rule_id, int type);
+TARVOS_API int Audit_AddRule(const char* sJsonStr, int type);
+TARVOS_API int Audit_EditRule(int rule_id, const char* sJsonStr, int type);
+
+/* ===================================================================== */
+/* Rule engine: scanning texts and documents with numbered rule sets       */
+/* ===================================================================== */
+/* These calls have their own instance table. TARVOS_Init calls ZYG_Init and
+   TARVOS_Exit calls ZYG_Exit; a host using only the scanning calls may call
+   them itself. Text results are owned by the scanning service (valid until
+   ZYG_Exit) and are "" on failure. */
+
+/* Starts the lexical analyser on a data directory (NULL or "" = working
+   directory) and opens scanning instance 0. Returns 1; -1 when the directory
+   cannot be read. */
+TARVOS_API int ZYG_Init(const char* sInitDirPath);
+TARVOS_API void ZYG_Exit(void);
+/* Opens the rule set of a report type. Returns the new handle; -1 before ZYG_Init. */
+TARVOS_API int ZYG_NewInstance(int nDocType);
+/* Returns 1, or 0 for a handle outside the table. */
+TARVOS_API int ZYG_DeleteInstance(int handle);
+TARVOS_API int ZYG_ImportRule(const char* sXMLFile, bool bOverwrite, int handle);
+TARVOS_API const char* ZYG_ScanText(const char* sText, int nParaId, int handle);
+TARVOS_API const char* ZYG_ScanDocXML(const char* sDocXML, bool bDebug, int handle);
+TARVOS_API const char* ZYG_ScanDoc(const char* sDocFile, int nDocType, bool bDebug, int handle);
+TARVOS_API const char* ZYG_ScanTextFile(const char* sTextFile, bool bDebug, int handle);
+/* Same text as TARVOS_GetLastErrorMsg. Owner: engine (THREAD). Never NULL. */
+TARVOS_API const char* ZYG_GetLastErrorMsg(void);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* TARVOS_H */

@@ -1,0 +1,63 @@
+#pragma once
+// CZYGManager keeps one audit processor per document type, remembers the
+// known types in "ZYG_Manager.dat" and answers the rule-editing calls.
+//
+// "ZYG_Manager.dat": u64 count, then per type one i32 type number, ascending.
+//
+// The rule and audit-rule operations are not built yet: each creates the
+// type's processor when it is new (and records the type), then reports the
+// missing service.
+#include <map>
+#include <memory>
+
+#include "rules/Audit.h"
+#include "utility/TString.h"
+
+class CZYGManager {
+ public:
+  // sPath: the data directory; the manager works in sPath + "/Data/".
+  explicit CZYGManager(const char* sPath);
+  CZYGManager(const CZYGManager&) = delete;  // owns every processor
+  CZYGManager& operator=(const CZYGManager&) = delete;
+
+  // Reads "ZYG_Manager.dat" and loads a processor per type. Returns 1;
+  // -1 with "Failed reading file <name>" when it is missing or damaged.
+  int Load();
+
+  // Writes "ZYG_Manager.dat". Returns 1; -1 with "Failed writing file <name>".
+  int Save();
+
+  // The processor of a type; null with "Report Type=%d Processor not exists.".
+  CAudit* GetProcesser(int nType);
+
+  // Texts below stay valid until the next call returning text.
+  int ImportZYGRules(const char* sFile, bool bOverwrite, int nType);
+  int ImportZYGRulesFromMem(const char* sText, bool bOverwrite, int nType);
+  int AddRule(const char* sText, int nType);
+  const char* GetZYGSysInfo();
+  const char* GetAuditSysInfo(int nType);
+  const char* GetZYGRuleListId(int nType);
+  const char* GetZYGRuleInfo(int rule_id, int nType);
+  int DelZYGRule(int rule_id, int nType);
+  int AddZYGRule(const char* sJsonStr, int nType);
+  int EditZYGRule(int rule_id, const char* sJsonStr, int nType);
+  const char* GetAuditRuleListId(int nType);
+  const char* GetAuditRuleInfo(int rule_id, int nType);
+  int DelAuditRule(int rule_id, int nType);
+  int AddAuditRule(const char* sJsonStr, int nType);
+  int EditAuditRule(int rule_id, const char* sJsonStr, int nType);
+
+  const std::map<int, std::unique_ptr<CAudit>>& GetProcessers() const { return m_mapType2Processor; }
+  const tstring& GetDataPath() const { return m_sDataPath; }
+
+ private:
+  // The processor of a type, created, recorded and saved when it is new.
+  CAudit* Processer(int nType);
+  // Creates the type's processor, then reports sService as missing: nFail.
+  int Missing(int nType, const char* sService, int nFail = -1);
+  const char* MissingText(int nType, const char* sService);
+
+  std::map<int, std::unique_ptr<CAudit>> m_mapType2Processor;  // document type -> processor
+  tstring m_sDataPath;  // data directory + "/Data/"
+  tstring m_sResult;    // the last returned text
+};

@@ -1,0 +1,156 @@
+// Checking instances: handle numbering, invalid handles, per-instance calls
+// whose services are still missing, and the lifetime of returned texts.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TestDataDir.h"
+#include "tarvos.h"
+
+namespace {
+
+class InstanceTest : public ::testing::Test {
+ protected:
+  void SetUp() override { ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1) << TARVOS_GetLastErrorMsg(); }
+  void TearDown() override { TARVOS_Exit(); }
+  CTestDataDir m_data;
+};
+
+TEST_F(InstanceTest, HandlesGrowAndAreNeverReused) {
+  EXPECT_EQ(TARVOS_NewInstance(), 1);
+  EXPECT_EQ(TARVOS_DeleteInstance(1), 1);
+  EXPECT_EQ(TARVOS_NewInstance(), 2);
+  EXPECT_EQ(TARVOS_DeleteInstance(1), 1);  // an empty slot deletes again
+  EXPECT_EQ(TARVOS_GetResult(1, 1), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "TARVOS not init!");
+  EXPECT_NE(TARVOS_GetResult(1, 2), nullptr);
+}
+
+TEST_F(InstanceTest, DeletedHandleRefusesACheck) {
+  int handle = TARVOS_NewInstance();
+  ASSERT_EQ(TARVOS_DeleteInstance(handle), 1);
+  EXPECT_EQ(TARVOS_CheckReportF("report.docx", "", "", 1, 0, false, handle), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "TARVOS not init!");
+}
+
+TEST_F(InstanceTest, InvalidHandlesGiveTheHandleMessageInTheLog) {
+  CTempDir logDir;
+  setenv("TARVOS_LOG_DIR", logDir.Path().c_str(), 1);
+  EXPECT_EQ(TARVOS_DeleteInstance(-1), 0);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "DC_DeleteInstance  argument(handle -1) is invalid!");
+  EXPECT_EQ(TARVOS_DeleteInstance(99), 0);
+  EXPECT_EQ(TARVOS_GetCurTemplateInfo(7), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "TARVOS not init!");
+  unsetenv("TARVOS_LOG_DIR");
+
+  char sDate[16];
+  time_t tNow = time(nullptr);
+  struct tm tmNow;
+  localtime_r(&tNow, &tmNow);
+  strftime(sDate, sizeof(sDate), "%Y%m%d", &tmNow);
+  std::string sLog = ReadWholeFile(logDir.Path() + "/" + sDate + ".err");
+  EXPECT_NE(sLog.find("\tDC_DeleteInstance  argument(handle -1) is invalid!\n"), std::string::npos) << sLog;
+  EXPECT_NE(sLog.find("\tGetReportCheckerWorker  argument(handle 7) is invalid!\n"), std::string::npos);
+  EXPECT_NE(sLog.find("\tTARVOS not init!\n"), std::string::npos);
+}
+
+TEST_F(InstanceTest, CheckOfAMissingFileNamesTheFileAsPassed) {
+  const char* sName = "./no/such/报告.docx";
+  EXPECT_EQ(TARVOS_CheckReportF(sName, "", "", 1, 0, false, 0), nullptr);
+  EXPECT_EQ(std::string(TARVOS_GetLastErrorMsg()), std::string("Cannot open file ") + sName);
+}
+
+TEST_F(InstanceTest, StoredTextsAreFreshCopiesThatLiveWithTheInstance) {
+  int other = TARVOS_NewInstance();
+  const char* sFirst = TARVOS_GetResult(1, 0);
+  const char* sSecond = TARVOS_GetResult(6, 0);
+  ASSERT_NE(sFirst, nullptr);
+  ASSERT_NE(sSecond, nullptr);
+  EXPECT_NE(sFirst, sSecond);
+  for (int i = 0; i < 100; ++i) TARVOS_GetResult(7, other);
+  EXPECT_STREQ(sFirst, "");  // still readable after calls on another handle (ASan watches)
+  EXPECT_EQ(TARVOS_GetResult(5, 0), nullptr);
+  EXPECT_EQ(TARVOS_GetResult(-1, 0), nullptr);
+}
+
+TEST_F(InstanceTest, LastErrorIsAThreadCopy) {
+  TARVOS_GetResult(1, 42);
+  const char* sMine = TARVOS_GetLastErrorMsg();
+  std::thread([] { TARVOS_DeleteInstance(-5); (void)TARVOS_GetLastErrorMsg(); }).join();
+  EXPECT_STREQ(sMine, "TARVOS not init!");  // this thread's copy is untouched
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "DC_DeleteInstance  argument(handle -5) is invalid!");
+}
+
+TEST_F(InstanceTest, TemplateCallsNeedTheFormatChecker) {
+  TARVOS_Exit();
+  CTestDataDir data;
+  data.Write("ZYG-Configure.json", R"({"FormatCheck": "off"})");
+  ASSERT_EQ(TARVOS_Init(data.Root().c_str()), 1);
+  EXPECT_EQ(TARVOS_GetTemplateCount(), 0);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "g_pDocFormatChecker not init!");
+  EXPECT_EQ(TARVOS_GetTemplateList(1, "org"), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "g_pDocFormatChecker not init!");
+}
+
+// Services not built yet answer with their failure status and name themselves.
+TEST_F(InstanceTest, MissingServicesNameThemselves) {
+  struct {
+    const char* szName;
+    bool (*fnFails)();
+    const char* szService;
+  } kCases[] = {
+      {"ImportDoc", [] { return TARVOS_ImportDoc("a.docx", "", 0) == nullptr; }, "CDocxParser"},
+      {"LoadDocResult", [] { return TARVOS_LoadDocResult("a.xml", 0) == 0; }, "CDocxParser"},
+      {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
+      {"CheckReportM", [] { return TARVOS_CheckReportM("正文", "", "", 1, 0, false, 0) == nullptr; }, "CCheckResult"},
+      {"ScanTextMem", [] { return ZYG_ScanTextMem("正文", 1, 1, 0) == nullptr; }, "CAuditAgent"},
+      {"ExtractKnowledge", [] { return TARVOS_ExtractKnowledge("正文", 1) == nullptr; }, "CAuditAgent"},
+      {"ImportTemplate", [] { return TARVOS_ImportTemplate("t.docx", 1, "", "", "") == 0; }, "CDocxTemplate"},
+      {"GetTemplate", [] { return TARVOS_GetTemplate(1) == nullptr; }, "CDocxTemplate"},
+      {"ZYG_GetRuleListId", [] { return *ZYG_GetRuleListId(1) == '\0'; }, "CZYG"},
+      {"Audit_AddRule", [] { return Audit_AddRule("{}", 1) == -1; }, "CAudit"},
+      {"CheckReportDir", [] { return TARVOS_CheckReportDir("/tmp", "", 1, 0, 2) == -1; }, "TARVOS_CheckReportDir"},
+  };
+  for (const auto& c : kCases) {
+    EXPECT_TRUE(c.fnFails()) << c.szName;
+    EXPECT_NE(std::string(TARVOS_GetLastErrorMsg()).find(c.szService), std::string::npos)
+        << c.szName << ": " << TARVOS_GetLastErrorMsg();
+  }
+}
+
+TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {
+  const char* sError = TARVOS_ShowHtmlError("missing_Check.xml", 0);
+  ASSERT_NE(sError, nullptr);
+  EXPECT_STREQ(sError, "Failed reading file missing_Check.xml");
+}
+
+TEST_F(InstanceTest, AuditErrorInfoListsTheCatalogue) {
+  std::string sJson = Audit_GetErrorInfo();
+  EXPECT_NE(sJson.find("\"1.5.2\""), std::string::npos);
+  EXPECT_NE(sJson.find("\"ErrorCount\""), std::string::npos);
+}
+
+// Resolving handles while another thread appends must never read a table
+// that is being moved (run under the sanitizers).
+TEST_F(InstanceTest, HandlesResolveWhileAnotherThreadAppends) {
+  std::atomic<bool> bStop{false};
+  std::atomic<int> nBadReads{0};
+  std::vector<std::thread> vecReaders;
+  for (int t = 0; t < 3; ++t)
+    vecReaders.emplace_back([&] {
+      while (!bStop)
+        if (TARVOS_GetResult(1, 0) == nullptr) ++nBadReads;
+    });
+  std::vector<int> vecHandles;
+  for (int i = 0; i < 300; ++i) vecHandles.push_back(TARVOS_NewInstance());
+  bStop = true;
+  for (auto& t : vecReaders) t.join();
+  EXPECT_EQ(nBadReads, 0);
+  for (size_t i = 0; i < vecHandles.size(); ++i) EXPECT_EQ(vecHandles[i], (int)i + 1);
+}
+
+}  // namespace

@@ -1,0 +1,27 @@
+#pragma once
+// The process-wide last-error text and the engine's two log files.
+//
+// Logging is off by default, so tests and read-only installations leave no
+// files behind. It is switched on by the environment variable TARVOS_LOG_DIR:
+// when it names a writable folder, errors are appended to "<dir>/%Y%m%d.err"
+// and progress lines to "<dir>/%Y%m%d.log", each line "[%Y-%m-%d %H:%M:%S]\t<text>".
+#include "utility/TString.h"
+
+// Replaces the last-error text (never appends) and writes it to the error log.
+void SetLastError(const tstring& sText);
+
+// A copy of the last-error text; "" when no failure happened yet.
+tstring GetLastError();
+
+// Forgets the last-error text (used when the engine shuts down).
+void ClearLastError();
+
+// Appends one stamped line to the error log, when logging is on.
+void WriteError(const tstring& sText);
+
+// Appends one stamped line to the progress log, when logging is on.
+void WriteLog(const tstring& sText);
+
+// Sets the last error "<service> is not available in this build" and returns
+// nFail: the answer of every service that is declared but not built yet.
+int ServiceMissing(const char* sService, int nFail = 0);

@@ -1,0 +1,27 @@
+#include "utility/FileUtil.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+bool WriteFileReplacing(const tstring& sFilename, const std::function<bool(FILE*)>& fnWrite) {
+  if (sFilename.empty()) return false;
+  tstring sTemp = sFilename + ".tmp" + std::to_string(getpid());
+  FILE* fp = fopen(sTemp.c_str(), "wb");
+  if (fp == nullptr) return false;
+  bool bOk = fnWrite(fp);
+  bOk = (fflush(fp) == 0) && bOk;
+  bOk = (fclose(fp) == 0) && bOk;
+  if (bOk && rename(sTemp.c_str(), sFilename.c_str()) == 0) return true;
+  unlink(sTemp.c_str());
+  return false;
+}
+
+bool IsReadableDirectory(const tstring& sPath) {
+  struct stat st;
+  return stat(sPath.c_str(), &st) == 0 && S_ISDIR(st.st_mode) && access(sPath.c_str(), R_OK | X_OK) == 0;
+}
+
+bool IsRegularFile(const tstring& sPath) {
+  struct stat st;
+  return stat(sPath.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
