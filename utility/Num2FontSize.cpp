@@ -36,10 +36,19 @@ int CNum2FontSize::Import(const char* sFilename) {
     long nSize = 0;
     if (!(fields >> sName) || sName[0] == '#' || !(fields >> nSize)) continue;
     if (nSize <= 0 || nSize > 3276) continue;
-    m_mapSize2Name[(int)nSize] = sName;
-    m_mapName2Size[sName] = (int)nSize;
+    Set(sName, (int)nSize);
   }
   return (int)m_mapSize2Name.size();
+}
+
+void CNum2FontSize::Set(const tstring& sName, int nHalfPoints) {
+  // Drop both old pairings first, so the two maps always mirror each other.
+  auto itName = m_mapName2Size.find(sName);
+  if (itName != m_mapName2Size.end()) m_mapSize2Name.erase(itName->second);
+  auto itSize = m_mapSize2Name.find(nHalfPoints);
+  if (itSize != m_mapSize2Name.end()) m_mapName2Size.erase(itSize->second);
+  m_mapSize2Name[nHalfPoints] = sName;
+  m_mapName2Size[sName] = nHalfPoints;
 }
 
 tstring CNum2FontSize::GetName(int nHalfPoints) const {

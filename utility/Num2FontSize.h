@@ -29,6 +29,9 @@ class CNum2FontSize {
   size_t GetCount() const { return m_mapSize2Name.size(); }
 
  private:
+  // Pairs a name with a size, replacing any earlier pairing of either.
+  void Set(const tstring& sName, int nHalfPoints);
+
   std::map<int, tstring> m_mapSize2Name;  // half-points -> Chinese name
   std::map<tstring, int> m_mapName2Size;  // Chinese name -> half-points
 };
