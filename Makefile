@@ -1,10 +1,11 @@
 # Convenience targets over CMake. Every target builds what it needs first.
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
+TSAN_BUILD ?= build-tsan
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN  := cmake -S . -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 
-.PHONY: all release deps test asan bench demo install clean
+.PHONY: all release deps test asan tsan bench demo install clean
 
 all: release
 
@@ -25,6 +26,12 @@ asan:
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
+tsan:
+	$(CMAKE_GEN) -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_TSAN=ON
+	cmake --build $(TSAN_BUILD) -j $(JOBS)
+	cd $(TSAN_BUILD) && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+	  ctest --output-on-failure -j $(JOBS)
+
 bench: release
 	cmake --build $(BUILD) --target tarvos_bench -j $(JOBS)
 	$(BUILD)/bench/tarvos_bench --data $(BUILD)/data
@@ -36,4 +43,4 @@ install: release
 	cmake --install $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD)
