@@ -17,12 +17,6 @@ class CTableLock {
   CTableLock& operator=(const CTableLock&) = delete;
 };
 
-void SetHandleError(const char* sFormat, int handle) {
-  char sMessage[96];
-  snprintf(sMessage, sizeof(sMessage), sFormat, handle);
-  SetLastError(sMessage);
-}
-
 }  // namespace
 
 // Reads lock the table too: another thread may be appending, which can move

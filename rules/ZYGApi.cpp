@@ -22,12 +22,6 @@ tstring g_sZYGDataPath;                        // data directory + "/Data/"
 std::vector<std::unique_ptr<CZYG>> g_vecZYG;   // handle -> rule set; deleted slots stay empty
 std::unique_ptr<CBufferManager> g_pZYGBuffer;  // every text returned until ZYG_Exit
 
-void SetHandleError(const char* sFormat, int handle) {
-  char sMessage[96];
-  snprintf(sMessage, sizeof(sMessage), sFormat, handle);
-  SetLastError(sMessage);
-}
-
 CZYG* GetZYGWorker(int handle) {
   {
     std::lock_guard<std::mutex> lock(g_mutexZYG);

@@ -39,6 +39,12 @@ void SetLastError(const tstring& sText) {
   WriteError(sText);
 }
 
+void SetHandleError(const char* sFormat, int handle) {
+  char sMessage[128];
+  snprintf(sMessage, sizeof(sMessage), sFormat, handle);
+  SetLastError(sMessage);
+}
+
 tstring GetLastError() {
   std::lock_guard<std::mutex> lock(g_mutexLastError);
   return g_sLastErrorMessage;

@@ -10,6 +10,9 @@
 // Replaces the last-error text (never appends) and writes it to the error log.
 void SetLastError(const tstring& sText);
 
+// SetLastError of a message naming a handle: sFormat holds one "%d".
+void SetHandleError(const char* sFormat, int handle);
+
 // A copy of the last-error text; "" when no failure happened yet.
 tstring GetLastError();
 
