@@ -1,0 +1,89 @@
+#pragma once
+// CPDAT maps strings to integer ids with a double-array trie over their
+// UTF-8 bytes, and finds dictionary words in text: exact look-up, every
+// prefix or the longest word at a position, and a multi-pattern scan that
+// reports every occurrence of every word (Aho-Corasick over the same trie).
+//
+// Building: BeginAdd(), AddWord() for each word (ids are 0, 1, 2 ... in order
+// of first addition; adding a word again returns its id), FinishAdd(). Words
+// added before a later BeginAdd() keep their ids. Look-ups answer for the
+// words of the last FinishAdd() or Load().
+//
+// After FinishAdd() or Load() the object is read-only and safe to share
+// between threads.
+#include <cstdint>
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
+#include "utility/TString.h"
+
+// One occurrence found by CPDAT::Scan.
+struct _tPatternMatch {
+  size_t offset;  // byte offset of the word in the text
+  size_t length;  // byte length of the word
+  int id;         // the word's id
+};
+
+class CPDAT {
+ public:
+  CPDAT() = default;
+  // A built trie can be large; share it by pointer instead of copying.
+  CPDAT(const CPDAT&) = delete;
+  CPDAT& operator=(const CPDAT&) = delete;
+
+  // Starts (or resumes) adding: the words of the current trie keep their ids.
+  void BeginAdd();
+  // Adds a word and returns its id; -1 for an empty word or outside adding.
+  int AddWord(const tstring& sWord);
+  // Builds the trie from every word added. Returns the number of words.
+  size_t FinishAdd();
+
+  // The id of a word, or -1 when it is not in the dictionary.
+  int GetId(const char* pWord, size_t nLength) const;
+  int GetId(const tstring& sWord) const { return GetId(sWord.data(), sWord.size()); }
+  size_t GetCount() const { return m_vecWordLength.size(); }
+
+  // The longest word that starts at pText: its byte length (0 when none) and id.
+  size_t LongestMatch(const char* pText, size_t nLength, int& nId) const;
+  // Calls fn(length, id) for every word that is a prefix of pText, shortest first.
+  void ForEachPrefix(const char* pText, size_t nLength,
+                     const std::function<void(size_t, int)>& fn) const;
+  // Every occurrence of every word in the text, overlapping ones included,
+  // ordered by end offset (then longest first).
+  void Scan(const char* pText, size_t nLength, std::vector<_tPatternMatch>& vecMatch) const;
+  // Calls fn(word, id) for every word, in byte order.
+  void ForEachWord(const std::function<void(const tstring&, int)>& fn) const;
+
+  // Writes the dictionary ("PDAT" data file). False with the last error set.
+  bool Save(const tstring& sFilename) const;
+  // Replaces the dictionary with a saved one. False, with the file named in
+  // the last error and the dictionary left empty, when it is damaged.
+  bool Load(const tstring& sFilename);
+
+  void Clear();
+
+ private:
+  struct _tUnit {
+    int32_t base;   // children of this state sit at base + code
+    int32_t check;  // parent state; -1 marks a free slot
+  };
+
+  // The state reached from s by the byte code c (1 to 256), or -1.
+  int32_t Child(int32_t s, int c) const {
+    uint64_t p = (uint64_t)((int64_t)m_vecUnit[s].base + c);  // a negative base wraps out of range
+    return p < m_vecUnit.size() && m_vecUnit[p].check == s ? (int32_t)p : -1;
+  }
+  void Build(const std::vector<std::pair<tstring, int>>& vecWords);
+  void LinkFailures(const std::vector<int32_t>& vecStatesByDepth);
+  bool Validate() const;
+
+  std::vector<_tUnit> m_vecUnit;        // the double array; state 0 is the root
+  std::vector<int32_t> m_vecValue;      // per state: id of the word ending there, or -1
+  std::vector<int32_t> m_vecFail;       // per state: longest proper suffix state
+  std::vector<int32_t> m_vecOutput;     // per state: nearest suffix state ending a word, or -1
+  std::vector<int32_t> m_vecWordLength; // per id: byte length of the word
+  int32_t m_nMaxLength = 0;             // longest word, bounding every failure walk
+  bool m_bAdding = false;               // between BeginAdd and FinishAdd
+  std::unordered_map<tstring, int> m_mapAdding;  // words of the build in progress
+};
