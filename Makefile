@@ -33,8 +33,8 @@ tsan:
 	  ctest --output-on-failure -j $(JOBS)
 
 bench: release
-	cmake --build $(BUILD) --target tarvos_bench -j $(JOBS)
-	$(BUILD)/bench/tarvos_bench --data $(BUILD)/data
+	cmake --build $(BUILD) --target tarvos_bench tarvos_bench_dict -j $(JOBS)
+	bash scripts/bench.sh $(BUILD)
 
 demo: release
 	bash scripts/demo.sh $(BUILD)

@@ -1,8 +1,14 @@
 #pragma once
-// CPDAT maps strings to integer ids with a double-array trie over their
-// UTF-8 bytes, and finds dictionary words in text: exact look-up, every
-// prefix or the longest word at a position, and a multi-pattern scan that
-// reports every occurrence of every word (Aho-Corasick over the same trie).
+// CPDAT maps strings to integer ids with a double-array trie, and finds
+// dictionary words in text: exact look-up, every prefix or the longest word
+// at a position, and a multi-pattern scan that reports every occurrence of
+// every word (Aho-Corasick over the same trie).
+//
+// The trie steps by character, not by byte: each UTF-8 character of the
+// dictionary gets a dense code, commonest first, so a Chinese word takes one
+// step per character. A byte that does not start a valid UTF-8 character is
+// a character of its own, so any byte string can be a word. Words are found
+// on character boundaries only.
 //
 // Building: BeginAdd(), AddWord() for each word (ids are 0, 1, 2 ... in order
 // of first addition; adding a word again returns its id), FinishAdd(). Words
@@ -52,7 +58,7 @@ class CPDAT {
   // Every occurrence of every word in the text, overlapping ones included,
   // ordered by end offset (then longest first).
   void Scan(const char* pText, size_t nLength, std::vector<_tPatternMatch>& vecMatch) const;
-  // Calls fn(word, id) for every word, in byte order.
+  // Calls fn(word, id) for every word, in id order.
   void ForEachWord(const std::function<void(const tstring&, int)>& fn) const;
 
   // Writes the dictionary ("PDAT" data file). False with the last error set.
@@ -64,26 +70,39 @@ class CPDAT {
   void Clear();
 
  private:
+  // Kept to 8 bytes: look-ups touch nothing else, and a small array stays in cache.
   struct _tUnit {
     int32_t base;   // children of this state sit at base + code
     int32_t check;  // parent state; -1 marks a free slot
   };
+  // What a scan needs of a state besides its transitions.
+  struct _tLink {
+    int32_t fail;    // longest proper suffix state
+    int32_t report;  // this state or its nearest suffix state ending a word; -1 when none
+  };
 
-  // The state reached from s by the byte code c (1 to 256), or -1.
-  int32_t Child(int32_t s, int c) const {
+  // The state reached from s by character code c, or -1.
+  int32_t Child(int32_t s, int32_t c) const {
     uint64_t p = (uint64_t)((int64_t)m_vecUnit[s].base + c);  // a negative base wraps out of range
     return p < m_vecUnit.size() && m_vecUnit[p].check == s ? (int32_t)p : -1;
   }
+  // The code of the character at pText (0 when no word uses it) and its byte length.
+  int32_t NextCode(const char* pText, size_t nLength, size_t& nBytes) const;
+  void AssignCodes(const std::vector<std::pair<tstring, int>>& vecWords);
+  void SetCode(uint32_t nChar, int32_t nCode);
   void Build(const std::vector<std::pair<tstring, int>>& vecWords);
   void LinkFailures(const std::vector<int32_t>& vecStatesByDepth);
   bool Validate() const;
 
-  std::vector<_tUnit> m_vecUnit;        // the double array; state 0 is the root
-  std::vector<int32_t> m_vecValue;      // per state: id of the word ending there, or -1
-  std::vector<int32_t> m_vecFail;       // per state: longest proper suffix state
-  std::vector<int32_t> m_vecOutput;     // per state: nearest suffix state ending a word, or -1
-  std::vector<int32_t> m_vecWordLength; // per id: byte length of the word
-  int32_t m_nMaxLength = 0;             // longest word, bounding every failure walk
-  bool m_bAdding = false;               // between BeginAdd and FinishAdd
+  std::vector<_tUnit> m_vecUnit;         // the double array; state 0 is the root
+  std::vector<_tLink> m_vecLink;         // per state: failure and report links
+  std::vector<int32_t> m_vecValue;       // per state: id of the word ending there, or -1
+  std::vector<int32_t> m_vecOutput;      // per state: nearest proper suffix state ending a word, or -1
+  std::vector<int32_t> m_vecWordLength;  // per id: byte length of the word
+  std::vector<uint32_t> m_vecCodeChar;   // per code: its character (index 0 unused)
+  std::vector<int32_t> m_vecBmpCode;     // per BMP character: its code, 0 when unused
+  std::unordered_map<uint32_t, int32_t> m_mapOtherCode;  // codes of the other characters
+  int32_t m_nMaxLength = 0;              // longest word in characters, bounding failure walks
+  bool m_bAdding = false;                // between BeginAdd and FinishAdd
   std::unordered_map<tstring, int> m_mapAdding;  // words of the build in progress
 };

@@ -125,7 +125,7 @@ TEST(PDATTest, SavedDictionaryLoadsBackWithEveryWordAndId) {
     EXPECT_EQ(nId, dict.GetId(sWord));
     sListed += sWord + "|";
   });
-  EXPECT_EQ(sListed, "a|ab|abc|bc|c|中|中国|中国人|人民|人民币|国人|图1|第一章|\xff\x01|");  // byte order
+  EXPECT_EQ(sListed, "中|中国|中国人|国人|人民|人民币|a|ab|abc|bc|c|\xff\x01|图1|第一章|");  // id order
 }
 
 TEST(PDATTest, LargeDictionaryKeepsEveryId) {
