@@ -8,6 +8,7 @@
 
 #include "checker/ID2Message.h"
 #include "rules/ZYGManager.h"
+#include "utility/CountryDetector.h"
 #include "utility/ErrorLog.h"
 #include "utility/Num2FontSize.h"
 
@@ -39,10 +40,10 @@ int main(int argc, char** argv) {
   const std::string sSrc = std::string(argv[1]) + "/Data";
   const std::string sRoot = argv[2];
   const std::string sOut = sRoot + "/Data";
-  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font"})
+  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country"})
     if (!MakeDir(sDir)) return Fail("cannot create " + sDir);
 
-  for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model"})
+  for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model", "/Country/CountryList.txt"})
     if (!CopyFile(sSrc + sName, sOut + sName)) return Fail(std::string("cannot copy ") + sName);
 
   CID2Message catalogue;
@@ -56,11 +57,15 @@ int main(int argc, char** argv) {
   if (!CopyFile(sSrc + "/Font/FontSize.txt", sOut + "/Font/FontSize.dat"))
     return Fail("cannot write the font-size table");
 
+  CCountryDetector countries;
+  if (countries.Load(sOut + "/Country/CountryList.txt") < 1) return Fail("country list empty");
+
   // A manager that knows no document type yet; rule imports add them.
   CZYGManager manager(sRoot.c_str());
   if (manager.Save() != 1) return Fail("cannot write the rule manager file");
 
   std::cout << "tarvos-mkdata: " << catalogue.GetMessages().size() << " messages, "
-            << fontSizes.GetCount() << " font sizes -> " << sOut << "\n";
+            << fontSizes.GetCount() << " font sizes, " << countries.GetCount() << " countries -> " << sOut
+            << "\n";
   return 0;
 }

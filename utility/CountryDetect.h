@@ -1,9 +1,18 @@
 #pragma once
-// Detection of country names in text, started only when the configuration
-// switches it on. Its dictionaries are not built yet: start-up succeeds on any
-// readable data directory and detection finds nothing.
+// Country detection as the engine starts it: one process-wide detector over
+// "Data/Country/CountryList.txt" of the data directory.
+#include <vector>
 
-// Returns 1 when started, 0 when the data directory cannot be read.
+#include "utility/CountryDetector.h"
+
+// Loads the list. Returns 1, or 0 when it cannot be read.
 int CountryDetect_Init(const char* sDataPath);
 
 void CountryDetect_Exit();
+
+// The country names in a text (see CCountryDetector::Find); empty before
+// CountryDetect_Init. Safe from several threads.
+std::vector<_tCountryMatch> CountryDetect_Find(const tstring& sText);
+
+// The Chinese short name of a country index; "" when unknown.
+tstring CountryDetect_GetName(int nCountry);
