@@ -2,10 +2,12 @@
 BUILD      ?= build
 ASAN_BUILD ?= build-asan
 TSAN_BUILD ?= build-tsan
+FUZZ_BUILD ?= build-fuzz
+FUZZ_SECONDS ?= 30
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN  := cmake -S . -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 
-.PHONY: all release deps test asan tsan bench demo install clean
+.PHONY: all release deps test asan tsan fuzz bench demo install clean
 
 all: release
 
@@ -32,6 +34,11 @@ tsan:
 	cd $(TSAN_BUILD) && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
+fuzz:
+	CC=clang CXX=clang++ $(CMAKE_GEN) -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_FUZZ=ON -DTARVOS_BUILD_TESTS=OFF
+	cmake --build $(FUZZ_BUILD) --target fuzz_all -j $(JOBS)
+	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
+
 bench: release
 	cmake --build $(BUILD) --target tarvos_bench tarvos_bench_dict -j $(JOBS)
 	bash scripts/bench.sh $(BUILD)
@@ -43,4 +50,4 @@ install: release
 	cmake --install $(BUILD)
 
 clean:
-	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD)
+	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)

@@ -14,6 +14,8 @@ PACKAGES=(
   libuchardet-dev
   libicu-dev
   binutils
+  clang libclang-rt-14-dev
+  bc
 )
 
 missing=()

@@ -51,20 +51,40 @@ bool ConvertCodeSet(const tstring& sIn, const char* sFrom, const char* sTo, tstr
   return true;
 }
 
+tstring ConvertLenient(const tstring& sIn, const char* sFrom, const char* sTo) {
+  iconv_t cd = iconv_open(sTo, sFrom);
+  if (cd == (iconv_t)-1) return sIn;
+  tstring sOut;
+  std::vector<char> vecOut(4096);
+  char* pIn = const_cast<char*>(sIn.data());
+  size_t nInLeft = sIn.size();
+  while (nInLeft > 0) {
+    char* pOut = vecOut.data();
+    size_t nOutLeft = vecOut.size();
+    size_t nRet = iconv(cd, &pIn, &nInLeft, &pOut, &nOutLeft);
+    sOut.append(vecOut.data(), vecOut.size() - nOutLeft);
+    if (nRet != (size_t)-1 || errno == E2BIG) continue;
+    // EILSEQ or EINVAL: keep the offending byte as it is and go on after it.
+    sOut.push_back(*pIn++);
+    --nInLeft;
+    iconv(cd, nullptr, nullptr, nullptr, nullptr);
+  }
+  iconv_close(cd);
+  return sOut;
+}
+
+tstring GBKToUTF8(const tstring& sText) { return ConvertLenient(sText, "GB18030", "UTF-8"); }
+
+tstring UTF8ToGBK(const tstring& sText) { return ConvertLenient(sText, "UTF-8", "GB18030"); }
+
 tstring UTF8ToANSI(const tstring& sText) {
   const tstring& sCodeSet = GetLocalCodeSet();
-  if (IsPassThrough(sCodeSet)) return sText;
-  tstring sOut;
-  ConvertCodeSet(sText, "UTF-8", sCodeSet.c_str(), sOut);
-  return sOut;
+  return IsPassThrough(sCodeSet) ? sText : ConvertLenient(sText, "UTF-8", sCodeSet.c_str());
 }
 
 tstring ANSIToUTF8(const tstring& sText) {
   const tstring& sCodeSet = GetLocalCodeSet();
-  if (IsPassThrough(sCodeSet)) return sText;
-  tstring sOut;
-  ConvertCodeSet(sText, sCodeSet.c_str(), "UTF-8", sOut);
-  return sOut;
+  return IsPassThrough(sCodeSet) ? sText : ConvertLenient(sText, sCodeSet.c_str(), "UTF-8");
 }
 
 tstring GetAnsiFilename(const char* sFilename) {

@@ -36,3 +36,21 @@ TEST(CodePageTest, NamesPassUnchangedUnderAUtf8OrCLocale) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST(CodePageLenientTest, InvalidBytesPassThroughAndConversionGoesOn) {
+  struct { std::string sIn; std::string sWant; } kCases[] = {
+      {"\xD6\xD0\xCE\xC4", "中文"},
+      {"\xD6\xD0\xFF\xCE\xC4", "中\xFF文"},  // 0xFF is no GB18030 lead byte
+      {"abc\xD6", "abc\xD6"},                 // a cut character at the end
+      {"", ""},
+      {std::string(10000, 'a') + "\xD6\xD0", std::string(10000, 'a') + "中"},  // longer than one buffer
+  };
+  for (const auto& c : kCases) EXPECT_EQ(GBKToUTF8(c.sIn), c.sWant);
+  EXPECT_EQ(UTF8ToGBK("中\xFF文"), "\xD6\xD0\xFF\xCE\xC4");
+  EXPECT_EQ(UTF8ToGBK(GBKToUTF8("\x81\x30\x81\x30")), "\x81\x30\x81\x30");  // four-byte GB18030
+  EXPECT_EQ(ConvertLenient("x", "NO-SUCH-CODESET", "UTF-8"), "x");
+}
+
+}  // namespace
