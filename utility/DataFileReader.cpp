@@ -75,6 +75,15 @@ bool CDataFileReader::Open(const tstring& sFilename, const char* sKind, uint32_t
   return true;
 }
 
+bool CDataFileReader::GetCount(uint64_t& nCount, size_t nEntrySize) {
+  nCount = 0;
+  uint64_t nRead = 0;
+  if (!GetU64(nRead)) return false;
+  if (nEntrySize > 0 && nRead > (m_sPayload.size() - m_nPos) / nEntrySize) return Fail("count beyond the file");
+  nCount = nRead;
+  return true;
+}
+
 bool CDataFileReader::GetString(tstring& sText) {
   uint64_t nLength = 0;
   if (!GetU64(nLength) || nLength > m_sPayload.size() - m_nPos) return m_bOk = false;
@@ -85,7 +94,7 @@ bool CDataFileReader::GetString(tstring& sText) {
 
 bool CDataFileReader::GetI32Array(std::vector<int32_t>& vecValues) {
   uint64_t nCount = 0;
-  if (!GetU64(nCount) || nCount > (m_sPayload.size() - m_nPos) / sizeof(int32_t)) return m_bOk = false;
+  if (!GetCount(nCount, sizeof(int32_t))) return false;
   vecValues.resize(nCount);
   return GetRaw(vecValues.data(), nCount * sizeof(int32_t));
 }

@@ -21,6 +21,10 @@ class CDataFileReader {
   bool GetString(tstring& sText);
   bool GetI32Array(std::vector<int32_t>& vecValues);
   bool GetRaw(void* pData, size_t nLength);
+  // A count (u64) of entries of at least nEntrySize bytes each. A count the
+  // rest of the payload cannot hold is damage: nCount becomes 0, so nothing
+  // is allocated for it.
+  bool GetCount(uint64_t& nCount, size_t nEntrySize);
 
   // Records the loader's own reason (a value out of range, say) and returns
   // false; sets the last error naming the file.

@@ -339,16 +339,17 @@ bool CPDAT::Load(const tstring& sFilename) {
   CDataFileReader reader;
   if (!reader.Open(sFilename, kKind, kVersion)) return false;
   uint64_t nCodes = 0, nUnits = 0;
-  if (reader.GetU64(nCodes) && nCodes <= (1u << 22)) {
-    m_vecCodeChar.resize(nCodes);
-    reader.GetRaw(m_vecCodeChar.data(), nCodes * sizeof(uint32_t));
+  reader.GetCount(nCodes, sizeof(uint32_t));
+  m_vecCodeChar.resize(nCodes);
+  reader.GetRaw(m_vecCodeChar.data(), nCodes * sizeof(uint32_t));
+  if (reader.GetCount(nUnits, sizeof(_tUnit) + sizeof(_tLink)) && nUnits > (uint64_t)INT32_MAX) {
+    reader.Fail("too many states");
+    nUnits = 0;
   }
-  if (reader.GetU64(nUnits) && nUnits <= (uint64_t)INT32_MAX) {
-    m_vecUnit.resize(nUnits);
-    m_vecLink.resize(nUnits);
-    reader.GetRaw(m_vecUnit.data(), nUnits * sizeof(_tUnit));
-    reader.GetRaw(m_vecLink.data(), nUnits * sizeof(_tLink));
-  }
+  m_vecUnit.resize(nUnits);
+  m_vecLink.resize(nUnits);
+  reader.GetRaw(m_vecUnit.data(), nUnits * sizeof(_tUnit));
+  reader.GetRaw(m_vecLink.data(), nUnits * sizeof(_tLink));
   reader.GetI32Array(m_vecValue);
   reader.GetI32Array(m_vecOutput);
   reader.GetI32Array(m_vecWordLength);

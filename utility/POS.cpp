@@ -35,7 +35,7 @@ bool CPOS::Load(const tstring& sFilename) {
   CDataFileReader reader;
   if (!reader.Open(sFilename, kKind, kVersion)) return false;
   uint64_t nCount = 0;
-  reader.GetU64(nCount);
+  reader.GetCount(nCount, 3 * sizeof(int32_t));
   for (uint64_t i = 0; i < nCount; ++i) {
     POS_elem elem;
     if (!reader.GetI32(elem.POS_id) || !reader.GetI32(elem.freq) || !reader.GetI32(elem.handle)) break;

@@ -64,7 +64,7 @@ bool CStrTran::Load(const tstring& sPrefix) {
   uint64_t nCount = 0;
   reader.GetString(sFirstColumn);
   reader.GetString(sSecondColumn);
-  reader.GetU64(nCount);
+  reader.GetCount(nCount, 2 * sizeof(uint64_t));
   for (uint64_t i = 0; i < nCount; ++i) {
     tstring sFirst, sSecond;
     if (!reader.GetString(sFirst) || !reader.GetString(sSecond)) break;

@@ -42,10 +42,9 @@ bool CWordList::Load(const tstring& sFilename) {
   CDataFileReader reader;
   if (!reader.Open(sFilename, kKind, kVersion)) return false;
   uint64_t nCount = 0;
-  if (reader.GetU64(nCount) && nCount <= (1ull << 31)) {
-    m_vecOffset.resize(nCount);
-    reader.GetRaw(m_vecOffset.data(), nCount * sizeof(int64_t));
-  }
+  reader.GetCount(nCount, sizeof(int64_t));
+  m_vecOffset.resize(nCount);
+  reader.GetRaw(m_vecOffset.data(), nCount * sizeof(int64_t));
   reader.GetString(m_sText);
   bool bSound = reader.Finish();
   // Every word must start inside the text, and the text must end with a zero
