@@ -16,7 +16,7 @@
 #include "utility/CodeTrans.h"
 #include "utility/CountryDetect.h"
 #include "utility/ErrorLog.h"
-#include "utility/Lexical.h"
+#include "utility/lexical/Lexical.h"
 #include "utility/Num2FontSize.h"
 #include "utility/QueryExpand.h"
 

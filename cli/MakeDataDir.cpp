@@ -1,6 +1,7 @@
-// tarvos-mkdata SRC OUT: builds the data directory OUT/Data from the text
-// sources in SRC/Data, through the same loaders the engine uses, so a source
-// that the engine would refuse fails the build instead.
+// tarvos-mkdata SRC OUT WORDS HMM: builds the data directory OUT/Data from
+// the text sources in SRC/Data, the lexicon word list WORDS ("word freq tag"
+// lines) and the hidden Markov model tables HMM, through the same loaders the
+// engine uses, so a source that the engine would refuse fails the build.
 #include <sys/stat.h>
 
 #include <fstream>
@@ -11,6 +12,8 @@
 #include "utility/CountryDetector.h"
 #include "utility/ErrorLog.h"
 #include "utility/Num2FontSize.h"
+#include "utility/lexical/HmmModel.h"
+#include "utility/lexical/Lexicon.h"
 
 namespace {
 
@@ -33,14 +36,14 @@ int Fail(const std::string& sWhat) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 3) {
-    std::cerr << "usage: tarvos-mkdata SOURCE_DIR OUTPUT_DIR\n";
+  if (argc != 5) {
+    std::cerr << "usage: tarvos-mkdata SOURCE_DIR OUTPUT_DIR LEXICON_WORDS HMM_TABLES\n";
     return 2;
   }
   const std::string sSrc = std::string(argv[1]) + "/Data";
   const std::string sRoot = argv[2];
   const std::string sOut = sRoot + "/Data";
-  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country"})
+  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country", sOut + "/Lexicon"})
     if (!MakeDir(sDir)) return Fail("cannot create " + sDir);
 
   for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model", "/Country/CountryList.txt"})
@@ -60,12 +63,20 @@ int main(int argc, char** argv) {
   CCountryDetector countries;
   if (countries.Load(sOut + "/Country/CountryList.txt") < 1) return Fail("country list empty");
 
+  CLexicon lexicon;
+  if (lexicon.Build(argv[3]) < 1) return Fail("lexicon word list empty");
+  if (!lexicon.Save(sOut + "/Lexicon")) return Fail("cannot write the lexicon");
+  CHmmModel hmm;
+  if (hmm.Build(argv[4]) < 1) return Fail("hidden Markov model tables empty");
+  if (!hmm.Save(sOut + "/Lexicon/hmm.dat")) return Fail("cannot write the hidden Markov model");
+
   // A manager that knows no document type yet; rule imports add them.
   CZYGManager manager(sRoot.c_str());
   if (manager.Save() != 1) return Fail("cannot write the rule manager file");
 
   std::cout << "tarvos-mkdata: " << catalogue.GetMessages().size() << " messages, "
-            << fontSizes.GetCount() << " font sizes, " << countries.GetCount() << " countries -> " << sOut
+            << fontSizes.GetCount() << " font sizes, " << countries.GetCount() << " countries, "
+            << lexicon.GetCount() << " lexicon words -> " << sOut
             << "\n";
   return 0;
 }

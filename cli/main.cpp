@@ -5,6 +5,7 @@
 
 #include "cli/DataDir.h"
 #include "cli/InfoCommand.h"
+#include "cli/SegCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"Tarvos checks Chinese reports, theses and contracts against their templates and rules."};
@@ -15,9 +16,20 @@ int main(int argc, char** argv) {
   CLI::App* pInfo = app.add_subcommand("info", "start the engine, print its switches and services");
   pInfo->add_option("--data", sData, "data directory (default: $TARVOS_DATA, else the built or installed one)");
 
+  bool bTags = false;
+  std::string sUserDict;
+  CLI::App* pSeg = app.add_subcommand("seg", "segment UTF-8 lines from standard input, one output line per line");
+  pSeg->add_option("--data", sData, "data directory");
+  pSeg->add_flag("--tags", bTags, "write word/tag tokens");
+  pSeg->add_option("--user-dict", sUserDict, "import a user dictionary first (word<TAB>tag lines)");
+
   CLI11_PARSE(app, argc, argv);
 
   if (pInfo->parsed()) return RunInfo(ChooseDataDir(sData), std::cout, std::cerr);
+  if (pSeg->parsed()) {
+    std::ios::sync_with_stdio(false);
+    return RunSeg(ChooseDataDir(sData), bTags, sUserDict, std::cin, std::cout, std::cerr);
+  }
   std::cout << app.help();
   return 0;
 }

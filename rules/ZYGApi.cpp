@@ -12,7 +12,7 @@
 #include "tarvos.h"
 #include "utility/BufferManager.h"
 #include "utility/ErrorLog.h"
-#include "utility/Lexical.h"
+#include "utility/lexical/Lexical.h"
 
 namespace {
 

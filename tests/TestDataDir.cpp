@@ -23,10 +23,18 @@ CTempDir::~CTempDir() {
   fs::remove_all(m_sPath, ec);
 }
 
+// The lexicon is large and never written: it is linked, not copied.
 CTestDataDir::CTestDataDir() : m_sRoot(MakeTempFolder()) {
-  fs::copy(std::string(TARVOS_TEST_DATA_DIR) + "/Data", m_sRoot + "/Data", fs::copy_options::recursive);
-  std::error_code ec;
-  fs::remove(m_sRoot + "/Data/KnowGraph.txt", ec);
+  const std::string sFrom = std::string(TARVOS_TEST_DATA_DIR) + "/Data";
+  fs::create_directory(m_sRoot + "/Data");
+  for (const auto& entry : fs::directory_iterator(sFrom)) {
+    const std::string sName = entry.path().filename().string();
+    if (sName == "KnowGraph.txt" || sName == ".stamp") continue;
+    if (sName == "Lexicon")
+      fs::create_directory_symlink(entry.path(), m_sRoot + "/Data/" + sName);
+    else
+      fs::copy(entry.path(), m_sRoot + "/Data/" + sName, fs::copy_options::recursive);
+  }
 }
 
 CTestDataDir::~CTestDataDir() {

@@ -1,6 +1,7 @@
 #pragma once
 // A private copy of the built data directory in a fresh temporary folder, so a
-// test can remove or rewrite files without touching the shared build output.
+// test can remove or rewrite files without touching the shared build output
+// (the read-only lexicon folder is linked instead of copied).
 // The folder is removed when the object goes out of scope.
 #include <string>
 

@@ -72,9 +72,7 @@ void CPDAT::SetCode(uint32_t nChar, int32_t nCode) {
 int32_t CPDAT::NextCode(const char* pText, size_t nLength, size_t& nBytes) const {
   uint32_t nChar;
   nBytes = DecodeUtf8(pText, nLength, nChar);
-  if (nChar < kBmpSize) return m_vecBmpCode[nChar];
-  auto it = m_mapOtherCode.find(nChar);
-  return it == m_mapOtherCode.end() ? 0 : it->second;
+  return GetCode(nChar);
 }
 
 // Commoner characters get smaller codes: their states pack more densely.

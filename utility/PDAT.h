@@ -61,6 +61,22 @@ class CPDAT {
   // Calls fn(word, id) for every word, in id order.
   void ForEachWord(const std::function<void(const tstring&, int)>& fn) const;
 
+  // Stepping through the trie by hand, one character at a time, for callers
+  // that walk many prefixes over text they have decoded once: start at
+  // GetRoot(), turn each character into its code with GetCode() (0 means no
+  // word holds it), Step() to the next state (-1: no word continues so), and
+  // GetValue() gives the id of the word ending at a state, or -1.
+  int32_t GetRoot() const { return m_vecUnit.empty() ? -1 : 0; }
+  int32_t GetCode(uint32_t nChar) const {
+    if (nChar < m_vecBmpCode.size()) return m_vecBmpCode[nChar];
+    auto it = m_mapOtherCode.find(nChar);
+    return it == m_mapOtherCode.end() ? 0 : it->second;
+  }
+  int32_t Step(int32_t s, int32_t nCode) const { return s < 0 || nCode <= 0 ? -1 : Child(s, nCode); }
+  int GetValue(int32_t s) const { return s < 0 ? -1 : m_vecValue[s]; }
+  // Byte length of the word with an id.
+  size_t GetWordLength(int nId) const { return (size_t)m_vecWordLength[nId]; }
+
   // Writes the dictionary ("PDAT" data file). False with the last error set.
   bool Save(const tstring& sFilename) const;
   // Replaces the dictionary with a saved one. False, with the file named in

@@ -196,12 +196,15 @@ TEST_F(InitTest, ImportErrorMsgSavesBesideTheParentOfTheStartingDirectory) {
   EXPECT_EQ(saved.GetMessages().at("9.9"), "text");
 }
 
-TEST_F(InitTest, ImportCallsReportTheirMissingServices) {
+TEST_F(InitTest, ImportCallsReachTheirServices) {
   EXPECT_EQ(TARVOS_ImportSimDict("x.txt"), 0);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "g_pSimDict not init!");
+  EXPECT_EQ(TARVOS_ImportUserDict(m_data.Data("user.txt").c_str()), 0) << "the analyser starts with the engine";
   ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
   EXPECT_EQ(TARVOS_ImportUserDict("x.txt"), 0);
-  EXPECT_NE(std::string(TARVOS_GetLastErrorMsg()).find("QUENDA_ImportUserDict"), std::string::npos);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "Fail read file x.txt");
+  m_data.Write("user.txt", "审查引擎\tZYG\n[machine learning]\tZYG\n");
+  EXPECT_EQ(TARVOS_ImportUserDict(m_data.Data("user.txt").c_str()), 2);
   EXPECT_EQ(TARVOS_ImportFieldDict("x.txt", false, false), 0);
   EXPECT_NE(std::string(TARVOS_GetLastErrorMsg()).find("KS_ImportUserDict"), std::string::npos);
 }
