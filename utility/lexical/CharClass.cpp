@@ -1,20 +1,21 @@
 #include "utility/lexical/CharClass.h"
 
 #include <string>
+#include <unordered_map>
 
-namespace {
-bool Contains(const char32_t* sChars, uint32_t c) {
-  for (; *sChars; ++sChars)
-    if ((uint32_t)*sChars == c) return true;
-  return false;
-}
-}  // namespace
+#include "utility/lexical/TagSet.h"
 
 bool IsAsciiDigitChar(uint32_t c) { return c >= '0' && c <= '9'; }
 bool IsAsciiLetterChar(uint32_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
 bool IsChineseNumeralChar(uint32_t c) {
-  return Contains(U"零〇一二两三四五六七八九十百千万亿", c);
+  switch (c) {
+    case U'零': case U'〇': case U'一': case U'二': case U'两': case U'三': case U'四': case U'五':
+    case U'六': case U'七': case U'八': case U'九': case U'十': case U'百': case U'千': case U'万': case U'亿':
+      return true;
+    default:
+      return false;
+  }
 }
 
 ECharClass ClassifyChar(uint32_t c) {
@@ -32,7 +33,10 @@ int PunctuationRunKind(uint32_t c) {
   return 0;
 }
 
-const char* PunctuationTag(uint32_t c, bool& bDoubleQuoteOpen, bool& bSingleQuoteOpen) {
+namespace {
+
+// Character -> interned tag, built once.
+std::unordered_map<uint32_t, const char*> BuildPunctuationTable() {
   static const struct {
     const char32_t* chars;
     const char* tag;
@@ -43,15 +47,27 @@ const char* PunctuationTag(uint32_t c, bool& bDoubleQuoteOpen, bool& bSingleQuot
       {U"？?", "ww"},               {U"！!", "wt"},                      {U"…⋯", "ws"},
       {U"—―–─～-－", "wp"},         {U"%％‰", "wb"},                    {U"$¥￥£€¢℃℉°′″§№", "wh"},
   };
+  std::unordered_map<uint32_t, const char*> mapTag;
+  for (const auto& row : kTable)
+    for (const char32_t* p = row.chars; *p; ++p) mapTag.emplace((uint32_t)*p, InternTag(row.tag));
+  return mapTag;
+}
+
+}  // namespace
+
+const char* PunctuationTag(uint32_t c, bool& bDoubleQuoteOpen, bool& bSingleQuoteOpen) {
+  static const std::unordered_map<uint32_t, const char*> s_mapTag = BuildPunctuationTable();
+  static const char* const s_sOpen = InternTag("wyz");
+  static const char* const s_sClose = InternTag("wyy");
+  static const char* const s_sOther = InternTag("w");
   if (c == '"') {
     bDoubleQuoteOpen = !bDoubleQuoteOpen;
-    return bDoubleQuoteOpen ? "wyz" : "wyy";
+    return bDoubleQuoteOpen ? s_sOpen : s_sClose;
   }
   if (c == '\'') {
     bSingleQuoteOpen = !bSingleQuoteOpen;
-    return bSingleQuoteOpen ? "wyz" : "wyy";
+    return bSingleQuoteOpen ? s_sOpen : s_sClose;
   }
-  for (const auto& row : kTable)
-    if (Contains(row.chars, c)) return row.tag;
-  return "w";
+  auto it = s_mapTag.find(c);
+  return it == s_mapTag.end() ? s_sOther : it->second;
 }

@@ -25,8 +25,9 @@ enum ECharClass {
 
 ECharClass ClassifyChar(uint32_t c);
 
-// The punctuation tag of a character that stands alone (see above). Quotes
-// that look alike open and close in turn: bOpenQuote tells which comes next.
+// The interned punctuation tag of a character that stands alone (see above).
+// Quotes that look alike open and close in turn: the two flags say whether a
+// " or a ' is open.
 const char* PunctuationTag(uint32_t c, bool& bDoubleQuoteOpen, bool& bSingleQuoteOpen);
 
 // Characters whose runs form one token: 1 for ellipses, 2 for dashes, 0 for

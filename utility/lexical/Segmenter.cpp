@@ -10,19 +10,42 @@
 #include "utility/lexical/UserDictionary.h"
 
 // Everything one call works on: the decoded text and its scratch arrays.
+// The arrays are the calling thread's own and keep their capacity from call
+// to call: most paragraphs then allocate nothing.
 struct CSegmenter::_tContext {
-  _tContext(const tstring& sText, std::vector<_tToken>& vecTokens) : text(sText), tokens(vecTokens) {}
+  struct _tScratch {
+    std::vector<uint32_t> chars;  // decoded characters
+    std::vector<size_t> pos;      // byte offset of each character; pos[n] = text size
+    std::vector<int32_t> codes;   // lexicon code of each character
+    std::vector<double> best;     // best path score from a character to the block's end
+    std::vector<size_t> next;     // end of the best first word from a character
+    std::vector<int> nextId;      // lexicon id of that word, -1 for an unknown character
+    std::vector<uint32_t> run;    // the hidden Markov model's input
+    std::vector<size_t> lengths;  // its word lengths
+  };
+  static _tScratch& Scratch() {
+    thread_local _tScratch s_scratch;
+    return s_scratch;
+  }
+
+  _tContext(const tstring& sText, std::vector<_tToken>& vecTokens)
+      : text(sText), tokens(vecTokens), chars(Scratch().chars), pos(Scratch().pos), codes(Scratch().codes),
+        best(Scratch().best), next(Scratch().next), nextId(Scratch().nextId), run(Scratch().run),
+        lengths(Scratch().lengths) {
+    chars.clear();
+    pos.clear();
+  }
 
   const tstring& text;
   std::vector<_tToken>& tokens;
-  std::vector<uint32_t> chars;  // decoded characters
-  std::vector<size_t> pos;      // byte offset of each character; pos[n] = text size
-  std::vector<int32_t> codes;   // lexicon code of each character
-  std::vector<double> best;     // best path score from a character to the block's end
-  std::vector<size_t> next;     // end of the best first word from a character
-  std::vector<int> nextId;      // lexicon id of that word, -1 for an unknown character
-  std::vector<uint32_t> run;    // scratch for the hidden Markov model
-  std::vector<size_t> lengths;  // scratch for its word lengths
+  std::vector<uint32_t>& chars;
+  std::vector<size_t>& pos;
+  std::vector<int32_t>& codes;
+  std::vector<double>& best;
+  std::vector<size_t>& next;
+  std::vector<int>& nextId;
+  std::vector<uint32_t>& run;
+  std::vector<size_t>& lengths;
   size_t lastBegin = 0, lastEnd = 0;  // characters of the block's previous token, for numeral joins
   bool lastInBlock = false;           // the previous token belongs to the current block
   bool doubleQuoteOpen = false;
@@ -59,7 +82,7 @@ const char* SingleCharTag(uint32_t c, bool& bDoubleQuoteOpen, bool& bSingleQuote
   if (IsAsciiDigitChar(c)) return kTagNumber;
   if (IsAsciiLetterChar(c)) return kTagLatin;
   if (ClassifyChar(c) == kCharHan) return kTagOther;
-  return InternTag(PunctuationTag(c, bDoubleQuoteOpen, bSingleQuoteOpen));
+  return PunctuationTag(c, bDoubleQuoteOpen, bSingleQuoteOpen);
 }
 
 }  // namespace
@@ -143,7 +166,7 @@ void CSegmenter::Segment(const tstring& sText, const CUserDictionary* pUser, std
       const int nRun = PunctuationRunKind(ctx.chars[i]);
       while (nRun && j < nLimit && PunctuationRunKind(ctx.chars[j]) == nRun) ++j;
       const char* sTag = PunctuationTag(ctx.chars[i], ctx.doubleQuoteOpen, ctx.singleQuoteOpen);
-      vecTokens.push_back(_tToken{ctx.pos[i], ctx.pos[j] - ctx.pos[i], InternTag(sTag), false});
+      vecTokens.push_back(_tToken{ctx.pos[i], ctx.pos[j] - ctx.pos[i], sTag, false});
       i = j;
     }
   }
