@@ -24,3 +24,14 @@ for _ in 1 2 3; do
 done
 printf 'grep -F -o -f words.txt text.txt: %.4f s (best of 3)\n' "$best"
 printf 'scan speed-up over grep -F: %.1fx (required: 3x)\n' "$(echo "$best / $ours" | bc -l)"
+
+echo
+echo "== lexical analyser against jieba (Debian python3-jieba), same texts, same run"
+/usr/bin/python3 scripts/corpus_text.py ../shared/corpus/real "$work/corpus.txt"
+/usr/bin/python3 bench/make_seg_text.py "$dict" 2200000 "$work/generated.txt"
+for text in corpus generated; do
+  echo "-- $text text: $(wc -c < "$work/$text.txt") bytes"
+  "$build/bench/tarvos_bench_seg" "$build/data" "$work/$text.txt" "$work/$text.ours" | tee "$work/$text.seg"
+  secs=$(awk '/^seconds/ {print $2}' "$work/$text.seg")
+  /usr/bin/python3 bench/seg_compare.py "$work/$text.txt" "$work/$text.ours" "$secs" 2>/dev/null
+done

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "TestDataDir.h"
+#include "utility/Utf8.h"
+#include "utility/lexical/CharClass.h"
 #include "utility/lexical/Lexical.h"
 
 namespace {
@@ -112,7 +114,7 @@ TEST_F(SegmenterTest, NothingOfTheInputIsLost) {
       "\xff\xfe\xe4\xb8坏的UTF-8\xc0\xaf字节",
       std::string("嵌入\0空字节\0", 13),
       "",
-      " \t\r\n",
+      " \t\r\n\v\f\u3000\u00a0",
       std::string(100000, 'a'),
       "1,000,000和1,0000和,123和12,345,67",
       "[括号]/斜杠/[/",
@@ -133,8 +135,11 @@ TEST_F(SegmenterTest, NothingOfTheInputIsLost) {
       sJoined += sText.substr(t.offset, t.length);
       nPrevEnd = t.offset + t.length;
     }
-    for (char c : sText)
-      if (c != ' ' && c != '\t' && c != '\r' && c != '\n') sBare += c;
+    for (size_t i = 0, n = 0; i < sText.size(); i += n) {
+      uint32_t c;
+      n = DecodeUtf8(sText.data() + i, sText.size() - i, c);
+      if (ClassifyChar(c) != kCharBlank) sBare.append(sText, i, n);
+    }
     EXPECT_EQ(sJoined, sBare) << sText.substr(0, 60);
   }
 }
