@@ -1,6 +1,7 @@
 #include "TestDataDir.h"
 
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -54,4 +55,13 @@ std::string ReadWholeFile(const std::string& sPath) {
   std::ostringstream text;
   text << in.rdbuf();
   return text.str();
+}
+
+std::string ReadTodaysLog(const std::string& sLogDir, const char* szExtension) {
+  char sDate[16];
+  time_t tNow = time(nullptr);
+  struct tm tmNow;
+  localtime_r(&tNow, &tmNow);
+  strftime(sDate, sizeof(sDate), "%Y%m%d", &tmNow);
+  return ReadWholeFile(sLogDir + "/" + sDate + szExtension);
 }

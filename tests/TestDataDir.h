@@ -39,3 +39,6 @@ class CTempDir {
 
 // Reads a whole file; "" when it cannot be read.
 std::string ReadWholeFile(const std::string& sPath);
+
+// Today's log file of a kind (".err" or ".log") in a logging folder, read whole.
+std::string ReadTodaysLog(const std::string& sLogDir, const char* szExtension = ".err");

@@ -46,13 +46,7 @@ TEST_F(InstanceTest, InvalidHandlesGiveTheHandleMessageInTheLog) {
   EXPECT_EQ(TARVOS_GetCurTemplateInfo(7), nullptr);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "TARVOS not init!");
   unsetenv("TARVOS_LOG_DIR");
-
-  char sDate[16];
-  time_t tNow = time(nullptr);
-  struct tm tmNow;
-  localtime_r(&tNow, &tmNow);
-  strftime(sDate, sizeof(sDate), "%Y%m%d", &tmNow);
-  std::string sLog = ReadWholeFile(logDir.Path() + "/" + sDate + ".err");
+  std::string sLog = ReadTodaysLog(logDir.Path());
   EXPECT_NE(sLog.find("\tDC_DeleteInstance  argument(handle -1) is invalid!\n"), std::string::npos) << sLog;
   EXPECT_NE(sLog.find("\tGetReportCheckerWorker  argument(handle 7) is invalid!\n"), std::string::npos);
   EXPECT_NE(sLog.find("\tTARVOS not init!\n"), std::string::npos);

@@ -10,15 +10,6 @@
 
 namespace {
 
-std::string Today(const char* szFormat) {
-  char sDate[32];
-  time_t tNow = time(nullptr);
-  struct tm tmNow;
-  localtime_r(&tNow, &tmNow);
-  strftime(sDate, sizeof(sDate), szFormat, &tmNow);
-  return sDate;
-}
-
 TEST(ErrorLogTest, ErrorsReplaceTheTextAndAppendStampedLines) {
   CTempDir dir;
   setenv("TARVOS_LOG_DIR", dir.Path().c_str(), 1);
@@ -28,20 +19,20 @@ TEST(ErrorLogTest, ErrorsReplaceTheTextAndAppendStampedLines) {
   unsetenv("TARVOS_LOG_DIR");
   EXPECT_EQ(GetLastError(), "second");
 
-  std::string sErr = ReadWholeFile(dir.Path() + "/" + Today("%Y%m%d") + ".err");
+  std::string sErr = ReadTodaysLog(dir.Path());
   std::regex line(R"(\[\d{4}-\d{2}-\d{2} \d{2}:\d{2}:\d{2}\]\tfirst\n\[[^\]]+\]\tsecond\n)");
   EXPECT_TRUE(std::regex_match(sErr, line)) << sErr;
-  std::string sLog = ReadWholeFile(dir.Path() + "/" + Today("%Y%m%d") + ".log");
+  std::string sLog = ReadTodaysLog(dir.Path(), ".log");
   EXPECT_NE(sLog.find("]\tprogress 1/2\n"), std::string::npos);
 }
 
 TEST(ErrorLogTest, NothingIsWrittenWhenLoggingIsOff) {
   CTempDir dir;
   unsetenv("TARVOS_LOG_DIR");
-  std::string sBefore = ReadWholeFile(dir.Path() + "/" + Today("%Y%m%d") + ".err");
+  std::string sBefore = ReadTodaysLog(dir.Path());
   SetLastError("quiet");
   EXPECT_EQ(GetLastError(), "quiet");
-  EXPECT_EQ(ReadWholeFile(dir.Path() + "/" + Today("%Y%m%d") + ".err"), sBefore);
+  EXPECT_EQ(ReadTodaysLog(dir.Path()), sBefore);
   ClearLastError();
   EXPECT_EQ(GetLastError(), "");
 }

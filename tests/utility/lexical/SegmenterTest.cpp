@@ -95,12 +95,7 @@ TEST_F(SegmenterTest, MalformedUserLinesAreReportedAndSkipped) {
   setenv("TARVOS_LOG_DIR", logDir.Path().c_str(), 1);
   EXPECT_EQ(QUENDA_ImportUserDict(sDict.c_str(), false), 2);
   unsetenv("TARVOS_LOG_DIR");
-  char sDate[16];
-  time_t tNow = time(nullptr);
-  struct tm tmNow;
-  localtime_r(&tNow, &tmNow);
-  strftime(sDate, sizeof(sDate), "%Y%m%d", &tmNow);
-  std::string sLog = ReadWholeFile(logDir.Path() + "/" + sDate + ".err");
+  std::string sLog = ReadTodaysLog(logDir.Path());
   for (const char* szWhy : {"line 2 not imported: bracket not closed", "line 3 not imported: no word",
                             "line 4 not imported: tag with blanks", "line 5 not imported: line longer than 4096 bytes"})
     EXPECT_NE(sLog.find(szWhy), std::string::npos) << szWhy << "\n" << sLog;
