@@ -6,6 +6,7 @@
 #include "cli/DataDir.h"
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
+#include "cli/StructCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"Tarvos checks Chinese reports, theses and contracts against their templates and rules."};
@@ -23,8 +24,16 @@ int main(int argc, char** argv) {
   pSeg->add_flag("--tags", bTags, "write word/tag tokens");
   pSeg->add_option("--user-dict", sUserDict, "import a user dictionary first (word<TAB>tag lines)");
 
+  std::string sFile;
+  bool bJson = false;
+  CLI::App* pStruct = app.add_subcommand("struct", "import a document, write its structure file, print its path");
+  pStruct->add_option("file", sFile, "the document (.docx, or .doc/.wps with its .docx beside it)")->required();
+  pStruct->add_flag("--json", bJson, "write JSON instead of XML");
+  pStruct->add_option("--data", sData, "data directory");
+
   CLI11_PARSE(app, argc, argv);
 
+  if (pStruct->parsed()) return RunStruct(ChooseDataDir(sData), sFile, bJson, std::cout, std::cerr);
   if (pInfo->parsed()) return RunInfo(ChooseDataDir(sData), std::cout, std::cerr);
   if (pSeg->parsed()) {
     std::ios::sync_with_stdio(false);

@@ -1,8 +1,29 @@
 #pragma once
-// CDocxParser is the document model: a DOCX (or another imported file) as
-// paragraphs with ids, levels, fonts and sizes, tables, figures, headers and
-// footers. Import is not built yet: every import reports the missing service
-// and the model stays empty.
+// CDocxParser is the document model: a DOCX unpacked into a working folder
+// beside it ("<name>_unzip") and read into an ordered list of paragraphs,
+// with tables, figures, styles, headers and footers. Every paragraph is
+// named by its paraId: the byte offset of the "p" of its "<w:p" tag in
+// word/document.xml, printed "%08X" everywhere.
+//
+// The XML is never parsed into a tree: tags are found by bounded substring
+// search inside the range of the element being read.
+//
+// Besides the paragraph list the model keeps, for the checks:
+//   m_vecDocStruct        indexes of the heading paragraphs (levels 1 to 4), in order
+//   m_vecContentStruct    indexes of the table-of-contents entries (level 13)
+//   m_nReferenceStartIndex, m_nReferenceEndIndex
+//                         the paragraphs after a heading or caption "参考文献" /
+//                         "References" / "Bibliography" up to the next heading
+//                         (inclusive range of indexes; -1 when there is none)
+//   m_vecChapterParaIndex, m_vecChapterId
+//                         first-level chapters: the indexes of the level-1
+//                         headings and their numbers 1, 2, 3 ... (the format
+//                         check's chapter scan may rebuild them)
+//   page_num of body paragraphs: 0 until pages are assigned.
+#include <map>
+#include <vector>
+
+#include "docx/Paragraph.h"
 #include "utility/TString.h"
 
 class CDocxParser {
@@ -12,16 +33,24 @@ class CDocxParser {
   CDocxParser(const CDocxParser&) = delete;
   CDocxParser& operator=(const CDocxParser&) = delete;
 
-  // Imports a file by its extension. Returns > 0 on success; 0 otherwise.
+  // Imports a file by its extension: doc*, wps -> DOCX; others are not
+  // supported yet. Returns > 0 on success; 0 or negative otherwise.
   int ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat);
 
   // Imports a text held in memory. Returns > 0 on success; 0 otherwise.
   int ImportMemory(const char* sText, int nType, int nResultFormat);
 
-  // Imports a DOCX and writes its structure file. Returns the model's text,
-  // valid until the next import; null on failure.
-  const char* ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType,
-                         int nResultFormat);
+  // Reads a DOCX and writes its structure file; returns the file's path,
+  // valid until the next import on this parser; null on failure.
+  const char* ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType, int nResultFormat);
+
+  // Unpacks a DOCX into its working folder. Returns 1; -2 when the package
+  // holds no item or cannot be read; -3 when it is refused as unsafe.
+  int ReadDocx(const char* sFile);
+
+  // Reads the unpacked document into the model. Returns the number of
+  // paragraphs; -1 when word/document.xml is missing or has no body.
+  int ParseStruct(int nDocType, const char* sURLPrefix, bool bHtmlNeeded);
 
   // Loads a saved structure file. Returns > 0 on success; 0 otherwise.
   size_t LoadDocResult(const char* sResultXMLFilename);
@@ -29,7 +58,74 @@ class CDocxParser {
   // The template chosen for the document; null before one was chosen.
   const char* GetCurTemplateInfo();
 
-  tstring m_sPath;       // working folder of the imported document (local code page)
-  tstring m_sFilename;   // document name without extension (local code page)
-  tstring m_sURLPrefix;  // URL prefix of the HTML pages
+  // The structure as XML (CR LF lines) or JSON; valid until the next call
+  // that returns text on this parser.
+  const char* GetXMLData();
+  const char* GetJsonData(bool bTableFigureIncluded);
+  // Writes GetXMLData (format 0) or GetJsonData to "<folder>/<name>.xml"
+  // or ".json"; returns the path, valid like the texts; null on failure.
+  const char* GetXMLFile(int nResultFormat);
+
+  const tstring& GetText(uint32_t nParaId) const;
+  int GetLevel(uint32_t nParaId) const;
+  // Finds a paragraph in the main list or a table cell; false when unknown.
+  bool GetParaIndex(uint32_t nParaId, _tParaIndex& index) const;
+  uint32_t GetLastParaID() const { return m_vecParagraph.empty() ? 0 : m_vecParagraph.back().id; }
+  // The id of the chapter heading that holds a paragraph; 0 before the first chapter.
+  uint32_t LocateChapterID(uint32_t nParaId) const;
+
+  void Reset();
+
+  tstring m_sPath;          // working folder (local code page)
+  tstring m_sFilename;      // document name without extension
+  tstring m_sURLPrefix;     // URL prefix of the HTML pages
+  tstring m_sDocFormatExt;  // extension of the imported file
+  int m_nDocType = 0;
+  int m_nResultFormat = 0;
+
+  std::vector<_tParagraph> m_vecParagraph;
+  std::vector<_tTable> m_vecTable;
+  std::vector<_tFigure> m_vecFigure;
+  std::vector<_tParagraph> m_vecStyles;
+  std::map<tstring, _tParagraph> m_mapStyleId2Style;
+  std::map<tstring, int> m_mapStyleId2Level;
+  std::map<tstring, _tRelationInfo> m_mapId2Res;
+  std::vector<tstring> m_vecTypes;
+  std::vector<_tParagraph> m_vecHeadFooter[2];  // headers, then footers
+  std::map<uint32_t, size_t> m_mapParaId2Index;
+  std::vector<int> m_vecFormulaIndex;
+  std::vector<int> m_vecDocStruct;
+  std::vector<int> m_vecContentStruct;
+  int m_nReferenceStartIndex = -1;
+  int m_nReferenceEndIndex = -1;
+  std::vector<int> m_vecChapterParaIndex;
+  std::vector<int> m_vecChapterId;
+  std::vector<uint32_t> m_vecPageParaId;  // first paragraph of each page
+  int64_t m_nSingleCharCount = 0, m_nMultiCharCount = 0, m_nCharCount = 0;
+
+ private:
+  bool ReadPart(const tstring& sRelative, tstring& sText, const char* sMissing) const;
+  void ScanBody(const char* pBody, const char* pEnd);
+  const char* ScanParagraph(const char* pTag, const char* pEnd);
+  uint32_t AddParagraph(const char* pStart, const char* pEnd, uint32_t nParaId, bool bTextBox);
+  void AddOnePara(_tParagraph& para);
+  void ExtractParagrah(const char* pStart, const char* pEnd, _tParagraph& para, uint32_t nParaId, bool bTextBox);
+  void ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph& para, const tstring& sStyleId);
+  void ExtractFont(const char* pStart, const char* pEnd, _tParagraph& para, const tstring& sStyleId, bool bInStyle);
+  void ParagraphPostProcess(_tParagraph& para);
+  void AddFigure(_tParagraph& para, const tstring& sRelId);
+  void FindFigureCaption();
+  const char* ExtractTable(const char* pStart, const char* pEnd);
+  void ExtractStyles();
+  void ReadResInfo();
+  void ReadHeaderFooter();
+  int StyleID2Level(const tstring& sStyleId) const;
+  int GetTypeId(const tstring& sType);
+  void BuildIndexes();
+  void DocCharStat();
+
+  tstring m_sDocument;               // word/document.xml as read
+  int m_nFigureCaptionFilled = 1;    // 0 while a figure waits for its caption
+  uint32_t m_nLastParaId = 0xFFFFFFFFu;  // id of the last paragraph stored; all ones before any
+  tstring m_sResult;                 // the last text returned
 };

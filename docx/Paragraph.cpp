@@ -1,0 +1,11 @@
+#include "docx/Paragraph.h"
+
+bool _tTable::GetValue(size_t nRow, size_t nCol, tstring& sValue) const {
+  sValue.clear();
+  if (nRow >= rows.size() || nCol >= rows[nRow].size()) return false;
+  for (size_t i = 0; i < rows[nRow][nCol].size(); ++i) {
+    if (i > 0) sValue += "\n";
+    sValue += rows[nRow][nCol][i].text;
+  }
+  return true;
+}
