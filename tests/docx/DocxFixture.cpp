@@ -24,7 +24,7 @@ std::string DocumentXml(const std::string& sBody) {
          "<w:body>" + sBody + "<w:sectPr/></w:body></w:document>";
 }
 
-std::string Run(const std::string& sText, const std::string& sProps) {
+std::string TextRun(const std::string& sText, const std::string& sProps) {
   return "<w:r>" + (sProps.empty() ? "" : "<w:rPr>" + sProps + "</w:rPr>") + "<w:t xml:space=\"preserve\">" + sText +
          "</w:t></w:r>";
 }

@@ -14,7 +14,7 @@ bool WriteZip(const std::string& sFile, const std::vector<std::pair<std::string,
 std::string DocumentXml(const std::string& sBody);
 
 // A run of text, optionally with run properties.
-std::string Run(const std::string& sText, const std::string& sProps = "");
+std::string TextRun(const std::string& sText, const std::string& sProps = "");
 
 // A paragraph of runs, optionally with paragraph properties.
 std::string Para(const std::string& sRuns, const std::string& sProps = "");
