@@ -16,6 +16,7 @@
 #include "utility/CodePage.h"
 #include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
+#include "utility/FileUtil.h"
 #include "utility/NumberOrder.h"
 #include "utility/TextNormalizer.h"
 #include "utility/lexical/Lexical.h"
@@ -149,6 +150,10 @@ int CDocxParser::ReadDocx(const char* sFile) {
   if (!sPath.empty() && sPath[0] != '/') sPath = WorkingDirectory() + "/" + sPath;
   m_sFilename = sName;
   m_sPath = sDir + "/" + sName + "_unzip";
+  if (!IsRegularFile(sPath)) {  // no working folder for a document that is not there
+    SetLastError("Error unzip " + sPath + " to path " + m_sPath);
+    return -2;
+  }
   mkdir(m_sPath.c_str(), 0777);
   struct stat st;
   if (lstat(m_sPath.c_str(), &st) != 0 || !S_ISDIR(st.st_mode)) {

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "DocxFixture.h"
 #include "TestDataDir.h"
 #include "tarvos.h"
 
@@ -97,7 +98,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     bool (*fnFails)();
     const char* szService;
   } kCases[] = {
-      {"ImportDoc", [] { return TARVOS_ImportDoc("a.docx", "", 0) == nullptr; }, "CDocxParser"},
       {"LoadDocResult", [] { return TARVOS_LoadDocResult("a.xml", 0) == 0; }, "CDocxParser"},
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
       {"CheckReportM", [] { return TARVOS_CheckReportM("正文", "", "", 1, 0, false, 0) == nullptr; }, "CCheckResult"},
@@ -114,6 +114,21 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     EXPECT_NE(std::string(TARVOS_GetLastErrorMsg()).find(c.szService), std::string::npos)
         << c.szName << ": " << TARVOS_GetLastErrorMsg();
   }
+}
+
+TEST_F(InstanceTest, ImportDocWritesTheStructureFileBesideTheDocument) {
+  std::string sDoc = m_data.Root() + "/报告.docx";
+  ASSERT_TRUE(WriteDocx(sDoc, Para(TextRun("第一章 绪论"), "<w:outlineLvl w:val=\"0\"/>") + Para(TextRun("正文。"))));
+  const char* sPath = TARVOS_ImportDoc(sDoc.c_str(), "http://host/", 0);
+  ASSERT_NE(sPath, nullptr) << TARVOS_GetLastErrorMsg();
+  EXPECT_EQ(std::string(sPath), m_data.Root() + "/报告_unzip/../报告.xml");
+  std::string sXml = ReadWholeFile(sPath);
+  EXPECT_NE(sXml.find("<ParaCount>2</ParaCount>"), std::string::npos);
+  EXPECT_NE(sXml.find("<url_prefix>http://host/</url_prefix>"), std::string::npos);
+  EXPECT_NE(sXml.find("<segment_text>正文/nz 。/wj</segment_text>"), std::string::npos) << "segmented by the analyser";
+  EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/none.docx").c_str(), "", 0), nullptr);
+  EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/notes.md").c_str(), "", 0), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), (m_data.Root() + "/notes.md is invalid docx file.").c_str());
 }
 
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {
