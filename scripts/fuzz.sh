@@ -12,6 +12,15 @@ for target in "$build"/fuzz/*Fuzzer; do
   name=$(basename "$target")
   corpus="$build/fuzz/corpus/$name"
   mkdir -p "$corpus"
+  # The DOCX reader starts from real documents when the shared corpus is there.
+  if [ "$name" = DocxFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
+    for doc in ../shared/corpus/real/zh/*.docx; do
+      [ -f "$doc" ] || continue
+      base=$(basename "$doc" .docx)
+      { printf '\000'; cat "$doc"; } > "$corpus/$base.pkg"
+      { printf '\001'; unzip -p "$doc" word/document.xml 2>/dev/null | head -c 60000; } > "$corpus/$base.xml"
+    done
+  fi
   if "$target" "$corpus" -max_total_time="$seconds" -rss_limit_mb=2048 -max_len=65536 \
        -artifact_prefix="$out/$name-" -print_final_stats=0 > "$build/fuzz/$name.log" 2>&1; then
     echo "fuzz: $name ok ($(grep -c . "$build/fuzz/$name.log") log lines)"
@@ -20,6 +29,6 @@ for target in "$build"/fuzz/*Fuzzer; do
     tail -30 "$build/fuzz/$name.log"
     status=1
   fi
-  rm -f /tmp/tarvos-fuzz-*
+  rm -rf /tmp/tarvos-fuzz-*
 done
 exit $status
