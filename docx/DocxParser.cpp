@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "docx/StructureReader.h"
 #include "docx/StructureWriter.h"
 #include "docx/XmlScan.h"
 #include "docx/ZipArchive.h"
@@ -213,7 +214,7 @@ int CDocxParser::ParseStruct(int nDocType, const char* sURLPrefix, bool bHtmlNee
     return -1;
   }
   ScanBody(pBody, pEnd);
-  BuildIndexes();
+  BuildIndexes(true);
   return (int)m_vecParagraph.size();
 }
 
@@ -592,7 +593,7 @@ void CDocxParser::ReadHeaderFooter() {
   }
 }
 
-void CDocxParser::BuildIndexes() {
+void CDocxParser::BuildIndexes(bool bSegment) {
   m_mapParaId2Index.clear();
   m_vecFormulaIndex.clear();
   m_vecDocStruct.clear();
@@ -603,7 +604,7 @@ void CDocxParser::BuildIndexes() {
   int nReferenceHeading = -1;
   for (size_t i = 0; i < m_vecParagraph.size(); ++i) {
     _tParagraph& para = m_vecParagraph[i];
-    para.segment_txt = QUENDA_ParagraphProcess(para.text, true);
+    if (bSegment) para.segment_txt = QUENDA_ParagraphProcess(para.text, true);
     const int nIndex = (int)i;
     if (para.level == kLevelTable || para.level == kLevelFigure) continue;
     m_mapParaId2Index.emplace(para.id, i);
@@ -632,6 +633,7 @@ void CDocxParser::BuildIndexes() {
   }
   if (nReferenceHeading >= 0 && m_nReferenceEndIndex < 0) m_nReferenceEndIndex = (int)m_vecParagraph.size() - 1;
   if (m_nReferenceStartIndex > m_nReferenceEndIndex) m_nReferenceStartIndex = m_nReferenceEndIndex = -1;
+  if (!bSegment) return;
   for (auto& table : m_vecTable)
     for (auto& row : table.rows)
       for (auto& cell : row)
@@ -690,7 +692,11 @@ void CDocxParser::DocCharStat() {
   };
   for (const auto& vecList : m_vecHeadFooter)
     for (const _tParagraph& para : vecList) fnCount(para);
-  for (const _tParagraph& para : m_vecParagraph) fnCount(para);
+  // Placeholders are copies (a figure's is its image paragraph): counting
+  // them would count those texts twice, and a loaded structure could not
+  // give the same counts.
+  for (const _tParagraph& para : m_vecParagraph)
+    if (para.level != kLevelTable && para.level != kLevelFigure) fnCount(para);
   for (const auto& table : m_vecTable)
     for (const auto& row : table.rows)
       for (const auto& cell : row)
@@ -708,6 +714,13 @@ int CDocxParser::ImportFile(const char* sFilename, const char* sURLPrefix, int n
     if (sResult == nullptr || *sResult == '\0') {
       WriteError("Cannot open file " + sName);
       return -1;
+    }
+    return 1;
+  }
+  if (strcasecmp(sExt.c_str(), "xml") == 0) {
+    if (LoadDocResult(sName.c_str()) == 0) {
+      WriteError("Cannot open file " + sName);
+      return -2;
     }
     return 1;
   }
@@ -734,8 +747,26 @@ const char* CDocxParser::ImportDocx(const char* sDocxFilename, const char* sURLP
   return GetXMLFile(nResultFormat);
 }
 
-size_t CDocxParser::LoadDocResult(const char*) {
-  return (size_t)ServiceMissing("structure file loading (CDocxParser::LoadDocResult)");
+size_t CDocxParser::LoadDocResult(const char* sResultXMLFilename) {
+  tstring sFile = sResultXMLFilename ? sResultXMLFilename : "";
+  std::ifstream in(sFile, std::ios::binary);
+  if (!in) {
+    SetLastError("Fail read file " + sFile);
+    return 0;
+  }
+  std::ostringstream text;
+  text << in.rdbuf();
+  return InputXMLData(text.str());
+}
+
+size_t CDocxParser::InputXMLData(const tstring& sXml) {
+  size_t nCount = CStructureReader::Read(sXml.data(), sXml.data() + sXml.size(), *this);
+  if (nCount == 0) {
+    SetLastError("No document structure in the text");
+    return 0;
+  }
+  BuildIndexes(false);
+  return nCount;
 }
 
 const char* CDocxParser::GetCurTemplateInfo() {

@@ -52,8 +52,10 @@ class CDocxParser {
   // paragraphs; -1 when word/document.xml is missing or has no body.
   int ParseStruct(int nDocType, const char* sURLPrefix, bool bHtmlNeeded);
 
-  // Loads a saved structure file. Returns > 0 on success; 0 otherwise.
+  // Loads a saved structure file (or text). Returns the number of
+  // paragraphs; 0 with "Fail read file <name>" (or the reason) otherwise.
   size_t LoadDocResult(const char* sResultXMLFilename);
+  size_t InputXMLData(const tstring& sXml);
 
   // The template chosen for the document; null before one was chosen.
   const char* GetCurTemplateInfo();
@@ -121,7 +123,9 @@ class CDocxParser {
   void ReadHeaderFooter();
   int StyleID2Level(const tstring& sStyleId) const;
   int GetTypeId(const tstring& sType);
-  void BuildIndexes();
+  // Rebuilds the indexes from the paragraph list; bSegment also segments
+  // every text (a loaded structure keeps its segmented texts).
+  void BuildIndexes(bool bSegment);
   void DocCharStat();
 
   tstring m_sDocument;               // word/document.xml as read

@@ -98,7 +98,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     bool (*fnFails)();
     const char* szService;
   } kCases[] = {
-      {"LoadDocResult", [] { return TARVOS_LoadDocResult("a.xml", 0) == 0; }, "CDocxParser"},
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
       {"CheckReportM", [] { return TARVOS_CheckReportM("正文", "", "", 1, 0, false, 0) == nullptr; }, "CCheckResult"},
       {"ScanTextMem", [] { return ZYG_ScanTextMem("正文", 1, 1, 0) == nullptr; }, "CAuditAgent"},
@@ -126,6 +125,8 @@ TEST_F(InstanceTest, ImportDocWritesTheStructureFileBesideTheDocument) {
   EXPECT_NE(sXml.find("<ParaCount>2</ParaCount>"), std::string::npos);
   EXPECT_NE(sXml.find("<url_prefix>http://host/</url_prefix>"), std::string::npos);
   EXPECT_NE(sXml.find("<segment_text>正文/nz 。/wj</segment_text>"), std::string::npos) << "segmented by the analyser";
+  EXPECT_EQ(TARVOS_LoadDocResult(sPath, TARVOS_NewInstance()), 2) << "the structure file loads back";
+  EXPECT_EQ(TARVOS_LoadDocResult((m_data.Root() + "/none.xml").c_str(), 0), 0);
   EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/none.docx").c_str(), "", 0), nullptr);
   EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/notes.md").c_str(), "", 0), nullptr);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), (m_data.Root() + "/notes.md is invalid docx file.").c_str());

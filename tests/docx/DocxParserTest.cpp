@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "DocxFixture.h"
@@ -149,6 +150,29 @@ TEST_F(DocxParserTest, StructureTextLayout) {
   ASSERT_NE(sFile, nullptr);
   EXPECT_EQ(ReadWholeFile(sFile), sXml);
   EXPECT_EQ(std::string(sFile), m_parser.m_sPath + "/../doc.xml");
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(DocxParserTest, StructureFileLoadsBackIntoTheSameText) {
+  auto fnCell = [](const std::string& s) { return "<w:tc>" + Para(TextRun(s)) + "</w:tc>"; };
+  std::string sImage = "<w:r><w:drawing><a:blip r:embed=\"rId7\"/></w:drawing></w:r>";
+  Read(Para(TextRun("第一章 绪论"), "<w:outlineLvl w:val=\"0\"/>") + Para(TextRun("a<b & c>d")) +
+           "<w:tbl><w:tr>" + fnCell("表1 参数") + "</w:tr><w:tr>" + fnCell("甲") + fnCell("乙") + "</w:tr></w:tbl>" +
+           Para(sImage) + Para(TextRun("图1 结构")) + Para(TextRun("E=mc2 (1)")),
+       {{"word/header1.xml", "<w:hdr>" + Para(TextRun("页眉")) + "</w:hdr>"},
+        {"word/footer1.xml", "<w:ftr>" + Para(TextRun("页脚")) + "</w:ftr>"},
+        {"word/_rels/document.xml.rels", "<Relationships><Relationship Id=\"rId7\" Target=\"media/a.png\"/></Relationships>"}});
+  const std::string sFirst = m_parser.GetXMLData();
+  const std::string sFile = m_dir.Path() + "/saved.xml";
+  std::ofstream(sFile, std::ios::binary) << sFirst;
+  CDocxParser loaded;
+  ASSERT_EQ(loaded.LoadDocResult(sFile.c_str()), m_parser.m_vecParagraph.size());
+  EXPECT_EQ(loaded.GetXMLData(), sFirst);
+  EXPECT_EQ(loaded.m_vecFormulaIndex, m_parser.m_vecFormulaIndex);
+  EXPECT_EQ(loaded.LoadDocResult((m_dir.Path() + "/none.xml").c_str()), 0u);
 }
 
 }  // namespace
