@@ -306,15 +306,18 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
                                   bool bTextBox) {
   para.reset();
   para.id = nParaId != kNoId ? nParaId : (uint32_t)(pStart + 3 - m_sDocument.data());
+  // Paragraph properties precede the first run: look them up there only.
+  const char* pFirstRun = FindElement(pStart, pEnd, "<w:r");
+  const char* pHead = pFirstRun ? pFirstRun : pEnd;
   tstring sValue, sStyleId;
-  if (FindAttr(pStart, pEnd, "w:line", sValue)) para.line_space = ToInt(sValue);
-  if (FindElementAttr(pStart, pEnd, "w:numId", "w:val", sValue)) para.numPtr = ToInt(sValue);
-  if (FindElementAttr(pStart, pEnd, "w:pStyle", "w:val", sStyleId)) para.level = StyleID2Level(sStyleId);
-  if (para.level == 0 && FindElementAttr(pStart, pEnd, "w:outlineLvl", "w:val", sValue) && !sValue.empty() &&
+  if (FindAttr(pStart, pHead, "w:line", sValue)) para.line_space = ToInt(sValue);
+  if (FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue)) para.numPtr = ToInt(sValue);
+  if (FindElementAttr(pStart, pHead, "w:pStyle", "w:val", sStyleId)) para.level = StyleID2Level(sStyleId);
+  if (para.level == 0 && FindElementAttr(pStart, pHead, "w:outlineLvl", "w:val", sValue) && !sValue.empty() &&
       sValue[0] >= '0' && sValue[0] <= '3')
     para.level = sValue[0] - '0' + 1;
   if (bTextBox) para.level = kLevelTextBox;
-  for (const char* q = pStart; q < pEnd;) {
+  for (const char* q = pFirstRun ? pFirstRun : pStart; q < pEnd;) {
     const char* pW = FindElement(q, pEnd, "<w:r");
     const char* pM = FindElement(q, pW ? pW : pEnd, "<m:r");
     const char* pRun = pM ? pM : pW;
@@ -338,37 +341,50 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
   }
 }
 
+// One pass over the tags of a run: texts, tabs, field codes and images in
+// order; its properties (in "<w:rPr>") looked up once.
 void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph& para, const tstring& sStyleId) {
-  if (FindIn(pRun, pRunEnd, "PAGEREF")) {
+  const char* pPropsEnd = FindIn(pRun, pRunEnd, "</w:rPr>");
+  const char* pHead = pPropsEnd ? pPropsEnd : pRun;
+  tstring sAlign, sRelId;
+  bool bAlign = pPropsEnd && FindElementAttr(pRun, pHead, "w:vertAlign", "w:val", sAlign);
+  bool bImage = false, bPageRef = false;
+  for (const char* q = static_cast<const char*>(memchr(pRun + 1, '<', (size_t)(pRunEnd - pRun - 1))); q;
+       q = q + 1 < pRunEnd ? static_cast<const char*>(memchr(q + 1, '<', (size_t)(pRunEnd - q - 1))) : nullptr) {
+    const size_t nLeft = (size_t)(pRunEnd - q);
+    if (nLeft < 5) break;
+    if (q[1] == 'w' && q[2] == ':' && q[3] == 't') {
+      if (nLeft >= 8 && memcmp(q, "<w:tab/>", 8) == 0) {
+        para.text.push_back('\t');
+        continue;
+      }
+      if (q[4] != ' ' && q[4] != '>') continue;
+    } else if (q[1] == 'm' && q[2] == ':' && q[3] == 't' && (q[4] == ' ' || q[4] == '>')) {
+    } else {
+      if (!bPageRef && nLeft > 13 && memcmp(q, "<w:instrText", 12) == 0) {
+        const char* pClose = FindIn(q, pRunEnd, "</w:instrText>");
+        bPageRef = FindIn(q, pClose ? pClose : pRunEnd, "PAGEREF") != nullptr;
+      } else if (!bImage && nLeft > 16 && memcmp(q, "<v:imagedata r:i", 16) == 0) {
+        bImage = FindAttr(q, pRunEnd, "r:id", sRelId) || true;
+      } else if (!bImage && nLeft > 15 && memcmp(q, "<a:blip r:embed", 15) == 0) {
+        bImage = FindAttr(q, pRunEnd, "r:embed", sRelId) || true;
+      }
+      continue;
+    }
+    const char* pGt = static_cast<const char*>(memchr(q, '>', nLeft));
+    if (pGt == nullptr || pGt[-1] == '/') continue;  // <w:t/> holds nothing
+    const char* pClose = FindIn(pGt + 1, pRunEnd, q[1] == 'm' ? "</m:t>" : "</w:t>");
+    const char* pTextEnd = pClose ? pClose : pRunEnd;
+    tstring sText = DecodeEntities(pGt + 1, pTextEnd);
+    para.text += bAlign ? "<" + sAlign + ">" + sText + "</" + sAlign + ">" : sText;
+    q = pTextEnd;
+  }
+  if (bPageRef) {
     para.text += " . ";
     if (para.level == 0) para.level = kLevelContent;
   }
-  tstring sAlign;
-  bool bAlign = FindElementAttr(pRun, pRunEnd, "w:vertAlign", "w:val", sAlign);
-  for (const char* q = static_cast<const char*>(memchr(pRun, '<', (size_t)(pRunEnd - pRun))); q;
-       q = q + 1 < pRunEnd ? static_cast<const char*>(memchr(q + 1, '<', (size_t)(pRunEnd - q - 1))) : nullptr) {
-    size_t nLeft = (size_t)(pRunEnd - q);
-    if (nLeft >= 8 && memcmp(q, "<w:tab/>", 8) == 0) {
-      para.text.push_back('\t');
-    } else if (nLeft >= 5 && (memcmp(q, "<w:t", 4) == 0 || memcmp(q, "<m:t", 4) == 0) && (q[4] == ' ' || q[4] == '>')) {
-      const char* pGt = static_cast<const char*>(memchr(q, '>', nLeft));
-      if (pGt == nullptr || pGt[-1] == '/') continue;  // <w:t/> holds nothing
-      const char* pClose = FindIn(pGt + 1, pRunEnd, q[1] == 'm' ? "</m:t>" : "</w:t>");
-      const char* pTextEnd = pClose ? pClose : pRunEnd;
-      tstring sText = DecodeEntities(pGt + 1, pTextEnd);
-      para.text += bAlign ? "<" + sAlign + ">" + sText + "</" + sAlign + ">" : sText;
-      q = pTextEnd;
-    }
-  }
-  const char* pImage = FindIn(pRun, pRunEnd, "<v:imagedata r:i");
-  tstring sRelId;
-  if (pImage) {
-    FindAttr(pImage, pRunEnd, "r:id", sRelId);
-  } else if ((pImage = FindIn(pRun, pRunEnd, "<a:blip r:embed")) != nullptr) {
-    FindAttr(pImage, pRunEnd, "r:embed", sRelId);
-  }
-  if (pImage) AddFigure(para, sRelId);
-  ExtractFont(pRun, pRunEnd, para, sStyleId, false);
+  if (bImage) AddFigure(para, sRelId);
+  ExtractFont(pRun, pHead, para, sStyleId, false);
 }
 
 void CDocxParser::AddFigure(_tParagraph& para, const tstring& sRelId) {
