@@ -804,7 +804,30 @@ const char* CDocxParser::GetJsonData(bool bTableFigureIncluded) {
 
 const char* CDocxParser::GetXMLFile(int nResultFormat) {
   tstring sText = nResultFormat == 0 ? GetXMLData() : GetJsonData(true);
-  tstring sFile = m_sPath + "/../" + m_sFilename + (nResultFormat == 0 ? ".xml" : ".json");
+  return WriteBeside(nResultFormat == 0 ? ".xml" : ".json", sText);
+}
+
+const char* CDocxParser::GetContentXML() {
+  tstring sXml = GetXMLData();
+  size_t nLineEnd = sXml.find("\r\n");
+  m_sResult = nLineEnd == tstring::npos ? sXml : sXml.substr(nLineEnd + 2);
+  return m_sResult.c_str();
+}
+
+const char* CDocxParser::GetContentJson() { return GetJsonData(true); }
+
+const char* CDocxParser::GetContentXMLFile() {
+  tstring sText = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n" + tstring(GetContentXML());
+  return WriteBeside("_Content.xml", sText);
+}
+
+const char* CDocxParser::GetContentJsonFile() {
+  tstring sText = GetContentJson();
+  return WriteBeside("_Content.json", sText);
+}
+
+const char* CDocxParser::WriteBeside(const tstring& sSuffix, const tstring& sText) {
+  tstring sFile = m_sPath + "/../" + m_sFilename + sSuffix;
   FILE* fp = fopen(sFile.c_str(), "wb");
   if (fp == nullptr || fwrite(sText.data(), 1, sText.size(), fp) != sText.size()) {
     if (fp) fclose(fp);

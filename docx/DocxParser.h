@@ -67,6 +67,14 @@ class CDocxParser {
   // Writes GetXMLData (format 0) or GetJsonData to "<folder>/<name>.xml"
   // or ".json"; returns the path, valid like the texts; null on failure.
   const char* GetXMLFile(int nResultFormat);
+  // The content text: the structure XML without its declaration line, or
+  // the JSON with tables and figures.
+  const char* GetContentXML();
+  const char* GetContentJson();
+  // Write the content text to "<folder>/<name>_Content.xml" (opened by the
+  // XML declaration) or "_Content.json"; return the path; null on failure.
+  const char* GetContentXMLFile();
+  const char* GetContentJsonFile();
 
   const tstring& GetText(uint32_t nParaId) const;
   int GetLevel(uint32_t nParaId) const;
@@ -107,6 +115,8 @@ class CDocxParser {
 
  private:
   bool ReadPart(const tstring& sRelative, tstring& sText, const char* sMissing) const;
+  // Writes sText beside the working folder as <name> + sSuffix; its path, or null.
+  const char* WriteBeside(const tstring& sSuffix, const tstring& sText);
   void ScanBody(const char* pBody, const char* pEnd);
   const char* ScanParagraph(const char* pTag, const char* pEnd);
   uint32_t AddParagraph(const char* pStart, const char* pEnd, uint32_t nParaId, bool bTextBox);

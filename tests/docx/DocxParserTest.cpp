@@ -150,6 +150,11 @@ TEST_F(DocxParserTest, StructureTextLayout) {
   ASSERT_NE(sFile, nullptr);
   EXPECT_EQ(ReadWholeFile(sFile), sXml);
   EXPECT_EQ(std::string(sFile), m_parser.m_sPath + "/../doc.xml");
+  const char* sContent = m_parser.GetContentXMLFile();
+  ASSERT_NE(sContent, nullptr);
+  EXPECT_EQ(std::string(sContent), m_parser.m_sPath + "/../doc_Content.xml");
+  EXPECT_EQ(ReadWholeFile(sContent), sXml) << "declaration + content text = the structure text";
+  EXPECT_EQ(ReadWholeFile(m_parser.GetContentJsonFile()), sJson);
 }
 
 }  // namespace
