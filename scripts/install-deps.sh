@@ -15,7 +15,7 @@ PACKAGES=(
   libicu-dev
   binutils
   clang libclang-rt-14-dev
-  bc
+  bc unzip
 )
 
 missing=()
