@@ -751,16 +751,21 @@ const char* CDocxParser::ImportDocx(const char* sDocxFilename, const char* sURLP
                                     int nResultFormat) {
   tstring sName = sDocxFilename ? sDocxFilename : "", sDir, sBase, sExt;
   SplitPath(sName, sDir, sBase, sExt);
-  if (strncasecmp(sExt.c_str(), "doc", 3) != 0 && strncasecmp(sExt.c_str(), "wps", 3) != 0) {
-    SetLastError(sName + " is invalid docx file.");
-    return nullptr;
-  }
-  // A .doc or .wps document is read from its converted ".docx" twin beside it.
-  tstring sDocx = (sDir.empty() ? sBase : sDir + "/" + sBase) + ".docx";
-  if (ReadDocx(sDocx.c_str()) != 1) return nullptr;
+  tstring sDocx = Doc2Docx(sName.c_str());
+  if (sDocx.empty() || ReadDocx(sDocx.c_str()) != 1) return nullptr;
   if (ParseStruct(nType, sURLPrefix, true) < 0) return nullptr;
   m_sDocFormatExt = sExt;
   return GetXMLFile(nResultFormat);
+}
+
+tstring CDocxParser::Doc2Docx(const char* sFilename) {
+  tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
+  SplitPath(sName, sDir, sBase, sExt);
+  if (strncasecmp(sExt.c_str(), "doc", 3) != 0 && strncasecmp(sExt.c_str(), "wps", 3) != 0) {
+    SetLastError(sName + " is invalid docx file.");
+    return "";
+  }
+  return (sDir.empty() ? sBase : sDir + "/" + sBase) + ".docx";
 }
 
 size_t CDocxParser::LoadDocResult(const char* sResultXMLFilename) {

@@ -56,6 +56,13 @@ class CDocxParser {
   // paragraphs; 0 with "Fail read file <name>" (or the reason) otherwise.
   size_t LoadDocResult(const char* sResultXMLFilename);
   size_t InputXMLData(const tstring& sXml);
+  // The content text (the structure without its declaration) read back the same way.
+  size_t InputContentXML(const tstring& sXml) { return InputXMLData(sXml); }
+
+  // The DOCX to read for a document: a .docx itself, or the converted ".docx"
+  // twin beside a .doc or .wps (the converter is not run here). "" with
+  // "<name> is invalid docx file." for any other extension.
+  tstring Doc2Docx(const char* sFilename);
 
   // The template chosen for the document; null before one was chosen.
   const char* GetCurTemplateInfo();

@@ -10,6 +10,7 @@
 #include "DocxFixture.h"
 #include "TestDataDir.h"
 #include "docx/DocxParser.h"
+#include "utility/ErrorLog.h"
 
 namespace {
 
@@ -178,6 +179,24 @@ TEST_F(DocxParserTest, StructureFileLoadsBackIntoTheSameText) {
   EXPECT_EQ(loaded.GetXMLData(), sFirst);
   EXPECT_EQ(loaded.m_vecFormulaIndex, m_parser.m_vecFormulaIndex);
   EXPECT_EQ(loaded.LoadDocResult((m_dir.Path() + "/none.xml").c_str()), 0u);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(DocxParserTest, DocAndWpsAreReadFromTheirDocxTwin) {
+  ASSERT_TRUE(WriteDocx(m_dir.Path() + "/twin.docx", Para(TextRun("孪生"))));
+  for (const char* szName : {"twin.doc", "twin.WPS", "twin.docm", "twin.docx"}) {
+    CDocxParser parser;
+    const char* sPath = parser.ImportDocx((m_dir.Path() + "/" + szName).c_str(), "", 0, 0);
+    ASSERT_NE(sPath, nullptr) << szName;
+    EXPECT_EQ(parser.m_vecParagraph.size(), 1u) << szName;
+  }
+  CDocxParser parser;
+  EXPECT_EQ(parser.ImportDocx((m_dir.Path() + "/alone.doc").c_str(), "", 0, 0), nullptr);
+  EXPECT_NE(std::string(GetLastError()).find("Error unzip"), std::string::npos);
+  EXPECT_EQ(parser.ImportFile((m_dir.Path() + "/alone.doc").c_str(), "", 0, 0), -1);
 }
 
 }  // namespace
