@@ -1,12 +1,373 @@
 #include "checker/CheckResult.h"
 
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <sstream>
+#include <strings.h>
+
+#include "api/Globals.h"
+#include "checker/ID2Message.h"
+#include "docx/DocxParser.h"
+#include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
 
-int CCheckResult::Import(const char* /*sFilename*/) {
-  return ServiceMissing("reading saved check results (CCheckResult::Import)");
+namespace {
+
+const char* const kFieldNames[] = {"font", "fontSize", "text", "level", "line_space", "content"};
+const char kReviseLetters[] = "IUDCM";
+
+const char* FieldName(int nField) { return nField >= 0 && nField < 6 ? kFieldNames[nField] : ""; }
+char ReviseLetter(int nType) { return nType >= 0 && nType < 5 ? kReviseLetters[nType] : '?'; }
+
+tstring Hex(uint32_t n) {
+  char s[16];
+  snprintf(s, sizeof(s), "%08X", n);
+  return s;
 }
 
-bool CCheckResult::Render(bool, const tstring&, const tstring&, int, const tstring&,
-                          const CDocxParser*, tstring&) const {
-  return ServiceMissing("the check result rendering (CCheckResult)") != 0;
+tstring Format(const char* sFormat, double f) {
+  char s[64];
+  snprintf(s, sizeof(s), sFormat, f);
+  return s;
+}
+
+// The field name back to its id, by its letters only.
+int FieldFromName(const tstring& sName) {
+  if (sName.empty()) return 0;
+  switch (sName[0]) {
+    case 'f': return sName.size() > 4 ? 1 : 0;
+    case 't': return 2;
+    case 'l': return sName.size() > 1 && sName[1] == 'e' ? 3 : 4;
+    case 'c': return 5;
+    default: return 0;
+  }
+}
+
+int ReviseFromLetter(const tstring& sLetter) {
+  const char* p = sLetter.empty() ? nullptr : strchr(kReviseLetters, sLetter[0]);
+  return p ? (int)(p - kReviseLetters) : 0;
+}
+
+// The item of a record before pEnd: the text of <sName>...</sName> (XML) or
+// the value of "sName": (JSON, a quoted string or a bare number).
+bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstring& sValue) {
+  if (!bJson) {
+    tstring sOpen = tstring("<") + sName + ">", sClose = tstring("</") + sName + ">";
+    const char* pOpen = static_cast<const char*>(memmem(p, (size_t)(pEnd - p), sOpen.data(), sOpen.size()));
+    if (pOpen == nullptr) return false;
+    const char* pStart = pOpen + sOpen.size();
+    const char* pClose = static_cast<const char*>(memmem(pStart, (size_t)(pEnd - pStart), sClose.data(), sClose.size()));
+    sValue.assign(pStart, pClose ? pClose : pEnd);
+    return true;
+  }
+  tstring sKey = tstring("\"") + sName + "\"";
+  const char* pKey = static_cast<const char*>(memmem(p, (size_t)(pEnd - p), sKey.data(), sKey.size()));
+  if (pKey == nullptr) return false;
+  const char* q = pKey + sKey.size();
+  while (q < pEnd && (*q == ' ' || *q == ':' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
+  if (q >= pEnd) return false;
+  if (*q == '"') {
+    Json::Value value;
+    const char* pClose = q + 1;
+    while (pClose < pEnd && *pClose != '"') pClose += *pClose == '\\' ? 2 : 1;
+    if (pClose >= pEnd) return false;
+    Json::CharReaderBuilder builder;
+    std::unique_ptr<Json::CharReader> pReader(builder.newCharReader());
+    if (!pReader->parse(q, pClose + 1, &value, nullptr) || !value.isString()) return false;
+    sValue = value.asString();
+    return true;
+  }
+  const char* pStop = q;
+  while (pStop < pEnd && *pStop != ',' && *pStop != '}' && *pStop != '\n') ++pStop;
+  sValue.assign(q, pStop);
+  return true;
+}
+
+}  // namespace
+
+bool _tCheckResult::operator==(const _tCheckResult& o) const {
+  if (para_id != o.para_id || field_id != o.field_id || offset != o.offset || error_id != o.error_id) return false;
+  return !org_str.empty() ? org_str == o.org_str : o.org_str.empty() && new_str == o.new_str;
+}
+
+void _tCheckResult::output(tstring& s) const {
+  s += "<check>\r\n<paraId>" + Hex(para_id) + "</paraId>\r\n<page_num>" + std::to_string(page_num) + "</page_num>\r\n";
+  if (revise_type == 3 && new_para_id != 0) s += "<new_paraId>" + Hex(new_para_id) + "</new_paraId>\r\n";
+  s += "<errorno>" + error_id + "</errorno>\r\n<errormsg>" + error_msg + "</errormsg>\r\n<field>" + FieldName(field_id) +
+       "</field>\r\n<text>" + text + "</text>\r\n<revisetype>" + ReviseLetter(revise_type) + "</revisetype>\r\n<offset>" +
+       std::to_string(offset) + "</offset>\r\n<OrgStr>" + org_str + "</OrgStr>\r\n<NewStr>" + new_str +
+       "</NewStr>\r\n</check>\r\n";
+}
+
+void _tCheckResult::outputJson(Json::Value& value) const {
+  value["paraId"] = Hex(para_id);
+  value["page_num"] = page_num;
+  if (revise_type == 3 && new_para_id != 0) value["new_paraId"] = Hex(new_para_id);
+  value["errorno"] = error_id;
+  value["errormsg"] = error_msg;
+  value["field"] = FieldName(field_id);
+  value["text"] = text;
+  value["revisetype"] = tstring(1, ReviseLetter(revise_type));
+  value["offset"] = offset;
+  value["OrgStr"] = org_str;
+  value["NewStr"] = new_str;
+}
+
+void _tCheckResult::input(const char* pRecord, bool bJson) {
+  Reset();
+  const char* pEnd = pRecord + strlen(pRecord);
+  const char* pStop = bJson ? strchr(pRecord, '}') : strstr(pRecord, "</check>");
+  if (pStop) pEnd = pStop;
+  tstring s;
+  if (Item(pRecord, pEnd, "paraId", bJson, s)) para_id = (uint32_t)strtoul(s.c_str(), nullptr, 16);
+  if (Item(pRecord, pEnd, "page_num", bJson, s)) page_num = atoi(s.c_str());
+  if (Item(pRecord, pEnd, "offset", bJson, s)) offset = (uint32_t)strtoul(s.c_str(), nullptr, 10);
+  if (Item(pRecord, pEnd, "new_paraId", bJson, s)) new_para_id = (uint32_t)strtoul(s.c_str(), nullptr, 16);
+  Item(pRecord, pEnd, "errorno", bJson, error_id);
+  Item(pRecord, pEnd, "errormsg", bJson, error_msg);
+  Item(pRecord, pEnd, "OrgStr", bJson, org_str);
+  Item(pRecord, pEnd, "NewStr", bJson, new_str);
+  if (Item(pRecord, pEnd, "text", bJson, s)) text = s;
+  if (Item(pRecord, pEnd, "field", bJson, s)) field_id = FieldFromName(s);
+  if (Item(pRecord, pEnd, "revisetype", bJson, s)) revise_type = ReviseFromLetter(s);
+}
+
+void CCheckResult::AddResult(_tCheckResult& result) {
+  tstring& s = result.org_str;
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\r' || s.back() == '\t' || s.back() == '\n')) s.pop_back();
+  if (s.empty() && result.field_id == 0) return;
+  if (result.revise_type == 1 && !result.new_str.empty() && result.new_str == s) return;
+  if (result.error_msg.empty())
+    result.error_msg = g_pError2Message ? g_pError2Message->GetText(result.error_id.c_str())
+                                        : "Wrong text id " + result.error_id;
+  m_vecResult.push_back(result);
+  m_bSort = false;
+}
+
+void CCheckResult::SortResult() {
+  m_nErrCount = 0;
+  if (!m_bSort) std::sort(m_vecResult.begin(), m_vecResult.end());
+  m_mapErrId2FreqScore.clear();
+  m_mapChapID2freq.clear();
+  for (size_t i = m_vecResult.size(); i-- > 0;) {
+    if (i > 0 && m_vecResult[i] == m_vecResult[i - 1]) {
+      m_vecResult.erase(m_vecResult.begin() + i);
+      continue;
+    }
+    const _tCheckResult& result = m_vecResult[i];
+    ++m_mapErrId2FreqScore[result.error_id].freq;
+    if (m_pDocParser) {
+      uint32_t nChapter = m_pDocParser->LocateChapterID(result.para_id);
+      if (nChapter != 0) ++m_mapChapID2freq[nChapter];
+    }
+    ++m_nErrCount;
+  }
+  m_bSort = true;
+}
+
+void CCheckResult::Reset() {
+  m_vecResult.clear();
+  m_mapErrId2FreqScore.clear();
+  m_mapChapID2freq.clear();
+  m_nErrCount = 0;
+  m_bSort = false;
+}
+
+size_t CCheckResult::Remove(const char* sErrorId) {
+  tstring sId = sErrorId ? sErrorId : "";
+  size_t nBefore = m_vecResult.size();
+  m_vecResult.erase(std::remove_if(m_vecResult.begin(), m_vecResult.end(),
+                                   [&](const _tCheckResult& r) { return r.error_id == sId; }),
+                    m_vecResult.end());
+  return nBefore - m_vecResult.size();
+}
+
+std::vector<CCheckResult::_tScoreLine> CCheckResult::ScoreLines(double& fTotalScore) const {
+  std::vector<_tScoreLine> vecLines;
+  double fDeduction = 0;
+  for (const auto& kv : m_mapErrId2FreqScore) {
+    _tScoreLine line;
+    line.id = kv.first;
+    line.count = kv.second.freq;
+    line.max = 0;
+    line.each = g_pError2Message ? g_pError2Message->GetScore(kv.first.c_str(), line.max) : 0;
+    line.message = g_pError2Message ? g_pError2Message->GetText(kv.first.c_str()) : "Wrong text id " + kv.first;
+    line.score = std::min(line.count * line.each, line.max);
+    fDeduction += line.score;
+    vecLines.push_back(line);
+  }
+  fTotalScore = std::max(0.0, 100.0 - fDeduction);
+  return vecLines;
+}
+
+// The template the document was checked against: organisation, area,
+// argument. Empty until templates are chosen for documents.
+tstring CCheckResult::TemplateValue(int) const { return ""; }
+
+const char* CCheckResult::GetResult(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
+                                    CDocxParser* pParser) {
+  m_pDocParser = pParser;
+  m_nReportType = nReportType;
+  tstring s = "<CheckResults>\r\n<docxPath>" + tstring(sPath ? sPath : "") + "</docxPath>\r\n<docxFile>" +
+              tstring(sFilename ? sFilename : "") + "</docxFile>\r\n<reportType>" + std::to_string(nReportType) +
+              "</reportType>\r\n<url_prefix>" + tstring(sURLPrefix ? sURLPrefix : "") +
+              "</url_prefix>\r\n<template_organization>" + TemplateValue(0) + "</template_organization>\r\n<template_area>" +
+              TemplateValue(1) + "</template_area>\r\n<template_argu>" + TemplateValue(2) + "</template_argu>\r\n";
+  m_sURLPrefix = sURLPrefix ? sURLPrefix : "";
+  m_sPath = sPath ? sPath : "";
+  m_sFilename = sFilename ? sFilename : "";
+  SortResult();
+  tstring sFindings;
+  for (size_t i = 0; i < m_vecResult.size(); ++i)
+    if (i == 0 || !(m_vecResult[i] == m_vecResult[i - 1])) m_vecResult[i].output(sFindings);
+  double fTotal = 0;
+  std::vector<_tScoreLine> vecLines = ScoreLines(fTotal);
+  s += "<Statistics>\r\n<TotalCount>" + std::to_string(m_nErrCount) + "</TotalCount>\r\n<ErrorTypeCount>" +
+       std::to_string(m_mapErrId2FreqScore.size()) + "</ErrorTypeCount>\r\n";
+  for (const _tScoreLine& line : vecLines)
+    s += "<record>\r\n<errorno>" + line.id + "</errorno>\r\n<errormsg>" + line.message + "</errormsg>\r\n<count>" +
+         std::to_string(line.count) + "</count>\r\n<each_score>" + Format("%.2f", line.each) + "</each_score>\r\n<max_score>" +
+         Format("%.2f", line.max) + "</max_score>\r\n<score>" + Format("%.2f", line.score) + "</score>\r\n</record>\r\n";
+  s += "<TotalScore>" + Format("%.2lf", fTotal) + "</TotalScore>\r\n</Statistics>\r\n";
+  s += "<ChapterStat>\r\n<ChapterCount>" + std::to_string(m_mapChapID2freq.size()) + "</ChapterCount>\r\n";
+  for (const auto& kv : m_mapChapID2freq)
+    s += "<chapter>\r\n<paraId>" + Hex(kv.first) + "</paraId>\r\n<text>" + (m_pDocParser ? m_pDocParser->GetText(kv.first) : tstring()) +
+         "</text>\r\n<error_count>" + std::to_string(kv.second) + "</error_count>\r\n</chapter>\r\n";
+  s += "</ChapterStat>\r\n<Errors>\r\n" + sFindings + "</Errors>\r\n</CheckResults>\r\n";
+  m_sResult = s;
+  return m_sResult.c_str();
+}
+
+const char* CCheckResult::GetResultJson(const char* sPath, const char* sFilename, int nReportType,
+                                        const char* sURLPrefix, CDocxParser* pParser) {
+  m_pDocParser = pParser;
+  m_nReportType = nReportType;
+  Json::Value root;
+  root["docxPath"] = sPath ? sPath : "";
+  root["docxFile"] = sFilename ? sFilename : "";
+  root["url_prefix"] = sURLPrefix ? sURLPrefix : "";
+  root["reportType"] = nReportType;
+  root["template_organization"] = TemplateValue(0);
+  root["template_area"] = TemplateValue(1);
+  root["template_argu"] = TemplateValue(2);
+  m_sURLPrefix = sURLPrefix ? sURLPrefix : "";
+  m_sPath = sPath ? sPath : "";
+  m_sFilename = sFilename ? sFilename : "";
+  SortResult();
+  Json::Value& errors = root["Errors"] = Json::Value(Json::arrayValue);
+  for (size_t i = 0; i < m_vecResult.size(); ++i)
+    if (i == 0 || !(m_vecResult[i] == m_vecResult[i - 1])) {
+      Json::Value item;
+      m_vecResult[i].outputJson(item);
+      errors.append(item);
+    }
+  double fTotal = 0;
+  Json::Value& stats = root["Statistics"];
+  stats["TotalCount"] = m_nErrCount;
+  stats["ErrorTypeCount"] = (Json::UInt64)m_mapErrId2FreqScore.size();
+  stats["records"] = Json::Value(Json::arrayValue);
+  for (const _tScoreLine& line : ScoreLines(fTotal)) {
+    Json::Value record;
+    record["errorno"] = line.id;
+    record["count"] = line.count;
+    record["errormsg"] = line.message;
+    record["each_score"] = line.each;
+    record["max_score"] = line.max;
+    record["score"] = line.score;
+    stats["records"].append(record);
+  }
+  stats["TotalScore"] = fTotal;
+  Json::Value& chapters = root["ChapterStat"];
+  chapters["ChapterCount"] = (Json::UInt64)m_mapChapID2freq.size();
+  chapters["chapter"] = Json::Value(Json::arrayValue);
+  for (const auto& kv : m_mapChapID2freq) {
+    Json::Value chapter;
+    chapter["paraId"] = Hex(kv.first);
+    chapter["text"] = m_pDocParser ? m_pDocParser->GetText(kv.first) : tstring();
+    chapter["error_count"] = kv.second;
+    chapters["chapter"].append(chapter);
+  }
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "  ";
+  builder["emitUTF8"] = true;
+  m_sResult = Json::writeString(builder, root);
+  return m_sResult.c_str();
+}
+
+int CCheckResult::GetResultFile(const char* sFilename) {
+  tstring sName = sFilename ? sFilename : "";
+  FILE* fp = fopen(sName.c_str(), "wb");
+  if (fp == nullptr) {
+    SetLastError("Fail write file " + sName);
+    return 0;
+  }
+  fprintf(fp, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n<Docx>%s</Docx>", m_sFilename.c_str());
+  fclose(fp);
+  return 1;
+}
+
+int CCheckResult::Import(const char* sFilename) {
+  tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
+  SplitPath(sName, sDir, sBase, sExt);
+  if (strcasecmp(sExt.c_str(), "json") == 0) return ImportJsonFile(sName.c_str());
+  std::ifstream in(sName, std::ios::binary);
+  if (!in) {
+    SetLastError("Failed Read file " + sName);
+    return -1;
+  }
+  std::ostringstream text;
+  text << in.rdbuf();
+  const tstring sText = text.str();
+  const char* p = sText.c_str();
+  const char* pEnd = p + sText.size();
+  tstring s;
+  if (Item(p, pEnd, "docxPath", false, s)) m_sPath = s;
+  if (Item(p, pEnd, "docxFile", false, s)) m_sFilename = s;
+  if (Item(p, pEnd, "url_prefix", false, s)) m_sURLPrefix = s;
+  if (Item(p, pEnd, "reportType", false, s)) m_nReportType = atoi(s.c_str());
+  m_vecResult.clear();
+  for (const char* pCheck = strstr(p, "<check>"); pCheck;) {
+    _tCheckResult result;
+    result.input(pCheck, false);
+    m_vecResult.push_back(result);
+    const char* pClose = strstr(pCheck, "</check>");
+    if (pClose == nullptr) break;
+    pCheck = strstr(pClose, "<check>");
+  }
+  m_bSort = false;
+  SortResult();
+  return 1;
+}
+
+int CCheckResult::ImportJsonFile(const char* sFilename) {
+  tstring sName = sFilename ? sFilename : "";
+  std::ifstream in(sName, std::ios::binary);
+  Json::Value root;
+  Json::CharReaderBuilder builder;
+  JSONCPP_STRING sErrors;
+  if (!in || !Json::parseFromStream(builder, in, &root, &sErrors) || !root.isObject()) {
+    SetLastError("Failed Read file " + sName);
+    return -1;
+  }
+  auto fnString = [&](const char* sKey) { return root[sKey].isString() ? root[sKey].asString() : tstring(); };
+  m_sPath = fnString("docxPath");
+  m_sFilename = fnString("docxFile");
+  m_sURLPrefix = fnString("url_prefix");
+  m_nReportType = root["reportType"].isInt() ? root["reportType"].asInt() : 0;
+  m_vecResult.clear();
+  Json::StreamWriterBuilder writer;
+  writer["indentation"] = "";
+  if (root["Errors"].isArray())
+    for (const Json::Value& item : root["Errors"]) {
+      if (!item.isObject()) continue;
+      _tCheckResult result;
+      result.input(Json::writeString(writer, item).c_str(), true);
+      m_vecResult.push_back(result);
+    }
+  m_bSort = false;
+  SortResult();
+  return 1;
 }

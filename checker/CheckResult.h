@@ -1,21 +1,102 @@
 #pragma once
-// CCheckResult keeps the findings of one document and renders them as the
-// "CheckResults" XML or JSON text. Findings, scoring and rendering are not
-// built yet: the collection is empty and rendering reports the missing service.
+// CCheckResult keeps the findings of one document: it drops empty and
+// identical ones, scores them by error id with the message catalogue, counts
+// them per chapter, and renders them as the "CheckResults" XML text (CR LF
+// lines; texts inserted as they are, without escaping) or as JSON. A saved
+// result is read back by Import (XML) or ImportJsonFile (JSON).
+#include <cstdint>
+#include <map>
+#include <vector>
+
+#include <json/json.h>
+
 #include "utility/TString.h"
 
 class CDocxParser;
 
+// One finding.
+struct _tCheckResult {
+  int page_num = 0;
+  uint32_t para_id = 0;
+  uint32_t offset = 0;      // byte offset of org_str in the paragraph text
+  tstring error_id;         // dotted id, the catalogue's key
+  tstring error_msg;        // filled from the catalogue when empty
+  tstring text;             // the paragraph's text
+  int field_id = 0;         // 0 font, 1 fontSize, 2 text, 3 level, 4 line_space, 5 content
+  tstring org_str;          // the offending text
+  int revise_type = 0;      // 0 I, 1 U, 2 D, 3 C, 4 M
+  tstring new_str;          // the suggested replacement
+  uint32_t new_para_id = 0; // target paragraph of revise type 3
+
+  void Reset() { *this = _tCheckResult(); }
+  // Smaller paragraph id first, then smaller offset.
+  bool operator<(const _tCheckResult& other) const {
+    return para_id != other.para_id ? para_id < other.para_id : offset < other.offset;
+  }
+  // The same place, property and error, and the same offending text (or,
+  // when there is none, the same replacement).
+  bool operator==(const _tCheckResult& other) const;
+  void output(tstring& sOut) const;
+  void outputJson(Json::Value& value) const;
+  // Fills the finding from one record: XML up to its "</check>", or JSON up
+  // to its first "}". Items found past that end are ignored.
+  void input(const char* pRecord, bool bJson);
+};
+
+struct _tFreqScore {
+  int freq = 0;
+  float score = 0;
+};
+
 class CCheckResult {
  public:
-  // Forgets every finding.
-  void Reset() {}
+  // Admits one finding: trims trailing blanks of org_str, drops an empty
+  // font finding and a replacement by the same text, fills the message.
+  void AddResult(_tCheckResult& result);
+  // Sorts, removes duplicates and counts per error id and per chapter.
+  void SortResult();
+  void Reset();
+  // Removes every finding of an id; returns how many.
+  size_t Remove(const char* sErrorId);
 
-  // Loads a saved result file. Returns 1 on success; 0 otherwise.
+  // The rendered texts; valid until the next rendering. pParser may be null.
+  const char* GetResult(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
+                        CDocxParser* pParser);
+  const char* GetResultJson(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
+                            CDocxParser* pParser);
+  // Writes a short XML file naming the document. 1, or 0 ("Fail write file").
+  int GetResultFile(const char* sFilename);
+
+  // Reads a saved XML result (or, for a ".json" name, a JSON one). 1 on
+  // success; -1 when the file cannot be read.
   int Import(const char* sFilename);
+  int ImportJsonFile(const char* sFilename);
 
-  // The findings as "CheckResults" XML (bJson false) or JSON. Returns false
-  // with the reason in the last error when they cannot be rendered.
-  bool Render(bool bJson, const tstring& sPath, const tstring& sFilename, int nReportType,
-              const tstring& sURLPrefix, const CDocxParser* pDocxParser, tstring& sOut) const;
+  const std::vector<_tCheckResult>& GetFindings() const { return m_vecResult; }
+  const std::map<tstring, _tFreqScore>& GetCounts() const { return m_mapErrId2FreqScore; }
+  unsigned GetErrorCount() const { return m_nErrCount; }
+
+  tstring m_sPath;       // document path (UTF-8)
+  tstring m_sFilename;   // document file name (UTF-8)
+  tstring m_sURLPrefix;
+  int m_nReportType = 0;
+
+ private:
+  struct _tScoreLine {
+    tstring id, message;
+    int count;
+    float each, max, score;
+  };
+  // The per-id score lines and the total score, from the counts.
+  std::vector<_tScoreLine> ScoreLines(double& fTotalScore) const;
+  tstring TemplateValue(int nWhich) const;
+
+  std::vector<_tCheckResult> m_vecResult;
+  tstring m_sResult;
+  std::map<tstring, _tFreqScore> m_mapErrId2FreqScore;  // findings per error id
+  std::map<uint32_t, int> m_mapChapID2freq;              // findings per chapter heading id
+  CDocxParser* m_pDocParser = nullptr;                   // not owned; the model of the last rendering
+  unsigned m_nErrCount = 0;
+  int m_nResultFormat = 0;
+  bool m_bSort = false;
 };

@@ -6,6 +6,7 @@
 #include "api/Globals.h"
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
+#include "keyscan/KeyScanner.h"
 #include "docx/DocxParser.h"
 #include "reviser/DocReviser.h"
 #include "utility/CodePage.h"
@@ -98,13 +99,14 @@ const char* CReportChecker::ShowHtmlError(const char* sReviseXMLResult) {
 }
 
 const char* CReportChecker::GetResult() {
-  bool bXml = m_nResultFormat == 0;
-  tstring sBody;
-  if (!m_pCheckResult->Render(!bXml, ANSIToUTF8(m_pDocxParser->m_sPath),
-                              ANSIToUTF8(m_pDocxParser->m_sFilename), m_nReportType,
-                              m_pDocxParser->m_sURLPrefix, m_pDocxParser.get(), sBody))
-    return nullptr;
-  m_sResult = bXml ? "<TARVOS>\n" + sBody + "</TARVOS>\n" : sBody;
+  const bool bXml = m_nResultFormat == 0;
+  const tstring sPath = ANSIToUTF8(m_pDocxParser->m_sPath), sName = ANSIToUTF8(m_pDocxParser->m_sFilename);
+  const char* sBody =
+      bXml ? m_pCheckResult->GetResult(sPath.c_str(), sName.c_str(), m_nReportType,
+                                       m_pDocxParser->m_sURLPrefix.c_str(), m_pDocxParser.get())
+           : m_pCheckResult->GetResultJson(sPath.c_str(), sName.c_str(), m_nReportType,
+                                           m_pDocxParser->m_sURLPrefix.c_str(), m_pDocxParser.get());
+  m_sResult = bXml ? "<TARVOS>\n" + tstring(sBody) + "</TARVOS>\n" : tstring(sBody);
   return m_sResult.c_str();
 }
 
@@ -145,7 +147,53 @@ const char* CReportChecker::GetResultFile(int nResultFormat) {
 }
 
 int CReportChecker::CheckErrorWord() {
-  // The document model holds no paragraphs until DOCX import exists, so there
-  // is nothing to scan yet.
+  for (const auto& vecList : m_pDocxParser->m_vecHeadFooter)
+    for (const _tParagraph& para : vecList) CheckErrorWord(para);
+  for (const _tParagraph& para : m_pDocxParser->m_vecParagraph) CheckErrorWord(para);
+  for (const _tTable& table : m_pDocxParser->m_vecTable)
+    for (const auto& row : table.rows)
+      for (const auto& cell : row)
+        for (const _tParagraph& para : cell) CheckErrorWord(para);
+  return 1;
+}
+
+int CReportChecker::CheckErrorWord(const _tParagraph& paragraph) {
+  return AddErrorWords(KS_ScanDetail(paragraph.text.c_str(), 3, 0), paragraph);
+}
+
+// The scanner's correction list "(Check ...)A-->B##C-->D$": each item adds a
+// finding for B with A as its replacement, at the offset of B searched from
+// the previous match itself (so two items of one word share its offset).
+int CReportChecker::AddErrorWords(const char* sScan, const _tParagraph& paragraph) {
+  const tstring sText = sScan ? sScan : "";
+  size_t nCheck = sText.find("(Check ");
+  if (nCheck == tstring::npos) return -1;
+  size_t nOpen = sText.find(')', nCheck);
+  if (nOpen == tstring::npos) return -2;
+  size_t nDollar = sText.find('$', nOpen);
+  if (nDollar == tstring::npos) return -3;
+  const tstring sList = sText.substr(nOpen + 1, nDollar - nOpen - 1);
+  size_t nOffset = 0;
+  for (size_t nStart = 0; nStart <= sList.size();) {
+    size_t nEnd = sList.find("##", nStart);
+    tstring sItem = sList.substr(nStart, nEnd == tstring::npos ? tstring::npos : nEnd - nStart);
+    size_t nArrow = sItem.find("-->");
+    if (nArrow == tstring::npos) break;
+    const tstring sRight = sItem.substr(0, nArrow), sWrong = sItem.substr(nArrow + 3);
+    size_t nFound = paragraph.text.find(sWrong, nOffset);
+    if (nFound != tstring::npos) nOffset = nFound;
+    _tCheckResult result;
+    result.para_id = paragraph.id;
+    result.offset = (uint32_t)nOffset;
+    result.error_id = "1.5.2";
+    result.text = m_pDocxParser->GetText(paragraph.id);
+    result.field_id = 2;
+    result.org_str = sWrong;
+    result.revise_type = 1;
+    result.new_str = sRight;
+    m_pCheckResult->AddResult(result);
+    if (nEnd == tstring::npos) break;
+    nStart = nEnd + 2;
+  }
   return 1;
 }

@@ -10,6 +10,7 @@
 
 class CDocxParser;
 class CCheckResult;
+struct _tParagraph;
 class CDocReviser;
 
 class CReportChecker {
@@ -59,8 +60,15 @@ class CReportChecker {
   // "..._Check.xml"; returns its path for format 0, the text otherwise.
   const char* GetResultFile(int nResultFormat);
 
-  // Error-word check over every paragraph. Returns 1.
+  // Error-word check over every paragraph: headers, footers, body, then
+  // every table cell. Returns 1.
   int CheckErrorWord();
+  // One paragraph: -1, -2 or -3 when the scanner's text holds no correction list.
+  int CheckErrorWord(const _tParagraph& paragraph);
+  // Turns a scanner text into findings on a paragraph (see CheckErrorWord).
+  int AddErrorWords(const char* sScan, const _tParagraph& paragraph);
+  const CCheckResult& GetCheckResult() const { return *m_pCheckResult; }
+  CDocxParser& GetDocxParser() { return *m_pDocxParser; }
 
   int GetReportType() const { return m_nReportType; }
   const CBufferManager& GetBufferManager() const { return *m_pBufManager; }

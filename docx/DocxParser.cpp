@@ -17,7 +17,9 @@
 #include "utility/CodePage.h"
 #include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
+#include "utility/CodeTrans.h"
 #include "utility/FileUtil.h"
+#include "utility/HtmlText.h"
 #include "utility/NumberOrder.h"
 #include "utility/TextNormalizer.h"
 #include "utility/lexical/Lexical.h"
@@ -720,11 +722,29 @@ void CDocxParser::DocCharStat() {
   m_nCharCount = m_nSingleCharCount + m_nMultiCharCount;
 }
 
+namespace {
+
+// The converter a format would need; these formats are not read yet.
+const char* ConverterFor(const tstring& sExt) {
+  static const char* const kImages[] = {"pdf", "jpg", "tif", "png", "bmp", "ps"};
+  for (const char* sKind : kImages)
+    if (strcasecmp(sExt.c_str(), sKind) == 0) return "pdf2docx";
+  if (strcasecmp(sExt.c_str(), "tex") == 0) return "pandoc";
+  if (strncasecmp(sExt.c_str(), "xls", 3) == 0 || strncasecmp(sExt.c_str(), "ppt", 3) == 0) return "Q7TxtExtraxtor";
+  return nullptr;
+}
+
+}  // namespace
+
 int CDocxParser::ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat) {
   tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
   SplitPath(sName, sDir, sBase, sExt);
   m_sDocFormatExt = sExt;
   m_nResultFormat = nResultFormat;
+  if (const char* sConverter = ConverterFor(sExt)) {
+    SetLastError("No converter for ." + sExt + " documents in this build (" + sConverter + ")");
+    return 0;
+  }
   if (strncasecmp(sExt.c_str(), "doc", 3) == 0 || strncasecmp(sExt.c_str(), "wps", 3) == 0) {
     const char* sResult = ImportDocx(sName.c_str(), sURLPrefix, nType, nResultFormat);
     if (sResult == nullptr || *sResult == '\0') {
@@ -740,11 +760,82 @@ int CDocxParser::ImportFile(const char* sFilename, const char* sURLPrefix, int n
     }
     return 1;
   }
-  return ServiceMissing(("the import of ." + sExt + " files").c_str());
+  tstring sTextFile = sName;
+  if (strncasecmp(sExt.c_str(), "htm", 3) == 0) {
+    std::ifstream in(sName, std::ios::binary);
+    if (!in) {
+      SetLastError("Cannot open file " + sName);
+      return -3;
+    }
+    std::ostringstream page;
+    page << in.rdbuf();
+    tstring sHtml = page.str();
+    if (strncasecmp(HtmlCharset(sHtml).c_str(), "gb", 2) == 0) sHtml = GBKToUTF8(sHtml);
+    sTextFile = (sDir.empty() ? sBase : sDir + "/" + sBase) + ".txt";
+    std::ofstream out(sTextFile, std::ios::binary);
+    if (!(out << HtmlToText(sHtml)) || !out.flush()) {
+      SetLastError("Cannot write file " + sTextFile);
+      return -4;
+    }
+  }
+  if (ImportText(sTextFile.c_str(), nType) <= 0) return 0;
+  m_sDocFormatExt = sExt;
+  m_sURLPrefix = sURLPrefix ? sURLPrefix : "";
+  return GetXMLFile(nResultFormat) ? 1 : 0;
 }
 
-int CDocxParser::ImportMemory(const char*, int, int) {
-  return ServiceMissing("text import (CDocxParser::ImportMemory)");
+int CDocxParser::ImportText(const char* sFilename, int nDocType) {
+  tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
+  SplitPath(sName, sDir, sBase, sExt);
+  std::ifstream in(sName, std::ios::binary);
+  if (!in) {
+    SetLastError("Cannot open file " + sName);
+    return 0;
+  }
+  std::ostringstream text;
+  text << in.rdbuf();
+  tstring sText = text.str();
+  // Texts come in many encodings: anything but UTF-8 is converted first.
+  tstring sCharset = CodeTrans_Detect(sText.data(), sText.size());
+  if (!sCharset.empty() && sCharset != "UTF-8") sText = ConvertLenient(sText, sCharset.c_str(), "UTF-8");
+  if (sText.compare(0, 3, "\xEF\xBB\xBF") == 0) sText.erase(0, 3);
+  Reset();
+  if (sDir.empty()) sDir = WorkingDirectory();
+  else if (sDir[0] != '/') sDir = WorkingDirectory() + "/" + sDir;
+  m_sFilename = sBase;
+  m_sPath = sDir + "/" + sBase + "_unzip";
+  mkdir(m_sPath.c_str(), 0777);  // results are written beside it, through "<folder>/.."
+  LoadText(sText);
+  m_nDocType = nDocType;
+  BuildIndexes(true);
+  return 1;
+}
+
+int CDocxParser::ImportMemory(const char* sText, int nType, int nResultFormat) {
+  Reset();
+  m_sPath.clear();
+  m_sFilename.clear();
+  m_sDocFormatExt = "txt";
+  m_nDocType = nType;
+  m_nResultFormat = nResultFormat;
+  if (sText == nullptr) return 0;
+  LoadText(sText);
+  BuildIndexes(true);
+  return 1;
+}
+
+// One paragraph per non-empty line; its id is the byte offset of the line.
+void CDocxParser::LoadText(const tstring& sText) {
+  for (size_t nStart = 0; nStart < sText.size();) {
+    size_t nEnd = sText.find('\n', nStart);
+    if (nEnd == tstring::npos) nEnd = sText.size();
+    _tParagraph para;
+    para.id = (uint32_t)nStart;
+    para.text = sText.substr(nStart, nEnd - nStart);
+    ParagraphPostProcess(para);
+    if (para.text.find_first_not_of(" \t\r") != tstring::npos) m_vecParagraph.push_back(para);
+    nStart = nEnd + 1;
+  }
 }
 
 const char* CDocxParser::ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType,

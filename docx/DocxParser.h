@@ -33,11 +33,22 @@ class CDocxParser {
   CDocxParser(const CDocxParser&) = delete;
   CDocxParser& operator=(const CDocxParser&) = delete;
 
-  // Imports a file by its extension: doc*, wps -> DOCX; others are not
-  // supported yet. Returns > 0 on success; 0 or negative otherwise.
+  // Imports a file by its extension, then writes its structure file:
+  //   doc*, wps*  the DOCX (a .doc or .wps through its .docx twin)
+  //   xml         a structure file written earlier
+  //   htm*        the page's text (GB pages converted), written as <name>.txt, as text
+  //   pdf, images, tex, xls*, ppt*: refused (no converter in this build)
+  //   txt and anything else: as text
+  // Returns 1; 0 when the file cannot be read or converted; -1 a DOCX that
+  // could not be imported; -2 a structure file that could not be loaded;
+  // -3 an HTML page that could not be read; -4 its text that could not be written.
   int ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat);
 
-  // Imports a text held in memory. Returns > 0 on success; 0 otherwise.
+  // Text becomes paragraphs: one per non-empty line, its id the byte offset
+  // of the line, level 0 (or formula). A file is converted to UTF-8 first
+  // when it is in another encoding, and gets a working folder beside it.
+  // Return 1; 0 when the file cannot be read (or the text is null).
+  int ImportText(const char* sFilename, int nDocType);
   int ImportMemory(const char* sText, int nType, int nResultFormat);
 
   // Reads a DOCX and writes its structure file; returns the file's path,
@@ -122,6 +133,7 @@ class CDocxParser {
 
  private:
   bool ReadPart(const tstring& sRelative, tstring& sText, const char* sMissing) const;
+  void LoadText(const tstring& sText);
   // Writes sText beside the working folder as <name> + sSuffix; its path, or null.
   const char* WriteBeside(const tstring& sSuffix, const tstring& sText);
   void ScanBody(const char* pBody, const char* pEnd);

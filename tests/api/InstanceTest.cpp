@@ -99,7 +99,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     const char* szService;
   } kCases[] = {
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
-      {"CheckReportM", [] { return TARVOS_CheckReportM("正文", "", "", 1, 0, false, 0) == nullptr; }, "CCheckResult"},
       {"ScanTextMem", [] { return ZYG_ScanTextMem("正文", 1, 1, 0) == nullptr; }, "CAuditAgent"},
       {"ExtractKnowledge", [] { return TARVOS_ExtractKnowledge("正文", 1) == nullptr; }, "CAuditAgent"},
       {"ImportTemplate", [] { return TARVOS_ImportTemplate("t.docx", 1, "", "", "") == 0; }, "CDocxTemplate"},
@@ -130,6 +129,30 @@ TEST_F(InstanceTest, ImportDocWritesTheStructureFileBesideTheDocument) {
   EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/none.docx").c_str(), "", 0), nullptr);
   EXPECT_EQ(TARVOS_ImportDoc((m_data.Root() + "/notes.md").c_str(), "", 0), nullptr);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), (m_data.Root() + "/notes.md is invalid docx file.").c_str());
+}
+
+TEST_F(InstanceTest, ChecksRunEndToEndInEveryResultFormat) {
+  std::string sDoc = m_data.Root() + "/report.docx";
+  ASSERT_TRUE(WriteDocx(sDoc, Para(TextRun("第一章 绪论"), "<w:outlineLvl w:val=\"0\"/>") + Para(TextRun("正文。"))));
+  const char* sXmlPath = TARVOS_CheckReportF(sDoc.c_str(), "", "", 1, 0, false, 0);
+  ASSERT_NE(sXmlPath, nullptr) << TARVOS_GetLastErrorMsg();
+  EXPECT_EQ(std::string(sXmlPath), m_data.Root() + "/report_unzip/../report_Check.xml");
+  std::string sXml = ReadWholeFile(sXmlPath);
+  EXPECT_EQ(sXml.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<TARVOS>\n<CheckResults>\r\n", 0), 0u);
+  EXPECT_NE(sXml.find("<TotalScore>100.00</TotalScore>"), std::string::npos);
+
+  const char* sJson = TARVOS_CheckReportF(sDoc.c_str(), "", "", 1, 1, false, 0);
+  ASSERT_NE(sJson, nullptr);
+  EXPECT_EQ(ReadWholeFile(m_data.Root() + "/report_Check.json"), sJson);
+  EXPECT_EQ(sJson[0], '{');
+  const char* sJsonInXml = TARVOS_CheckReportF(sDoc.c_str(), "", "", 1, 2, false, 0);
+  ASSERT_NE(sJsonInXml, nullptr);
+  EXPECT_EQ(ReadWholeFile(m_data.Root() + "/report_Check.xml"), sJsonInXml) << "format 2: JSON in the .xml file";
+
+  const char* sMem = TARVOS_CheckReportM("第一行\n\n第二行", nullptr, "", 1, 0, false, 0);
+  ASSERT_NE(sMem, nullptr);
+  EXPECT_EQ(std::string(sMem).rfind("<TARVOS>\n<CheckResults>\r\n", 0), 0u);
+  EXPECT_STREQ(TARVOS_GetResult(1, 0), "");
 }
 
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {
