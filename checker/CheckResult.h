@@ -72,6 +72,16 @@ class CCheckResult {
   int Import(const char* sFilename);
   int ImportJsonFile(const char* sFilename);
 
+  // The scores per error id (message, count, each, maximum, deduction) and
+  // the total score, as the renderings show them.
+  struct _tScoreLine {
+    tstring id, message;
+    int count;
+    float each, max, score;
+  };
+  std::vector<_tScoreLine> GetScoreLines(double& fTotalScore) const { return ScoreLines(fTotalScore); }
+  const std::map<uint32_t, int>& GetChapterCounts() const { return m_mapChapID2freq; }
+
   const std::vector<_tCheckResult>& GetFindings() const { return m_vecResult; }
   const std::map<tstring, _tFreqScore>& GetCounts() const { return m_mapErrId2FreqScore; }
   unsigned GetErrorCount() const { return m_nErrCount; }
@@ -82,11 +92,6 @@ class CCheckResult {
   int m_nReportType = 0;
 
  private:
-  struct _tScoreLine {
-    tstring id, message;
-    int count;
-    float each, max, score;
-  };
   // The per-id score lines and the total score, from the counts.
   std::vector<_tScoreLine> ScoreLines(double& fTotalScore) const;
   tstring TemplateValue(int nWhich) const;

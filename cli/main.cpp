@@ -3,6 +3,7 @@
 
 #include <iostream>
 
+#include "cli/CheckCommand.h"
 #include "cli/DataDir.h"
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
@@ -31,8 +32,22 @@ int main(int argc, char** argv) {
   pStruct->add_flag("--json", bJson, "write JSON instead of XML");
   pStruct->add_option("--data", sData, "data directory");
 
+  _tCheckOptions check;
+  std::string sFormat = "xml";
+  CLI::App* pCheck = app.add_subcommand("check", "check documents, print a summary and the result files' paths");
+  pCheck->add_option("inputs", check.inputs, "documents, or folders of documents")->required();
+  pCheck->add_option("--type", check.type, "report type (selects rules and templates)");
+  pCheck->add_option("--org", check.organization, "organisation whose template applies");
+  pCheck->add_option("--format", sFormat, "xml or json (json: results on standard output, summaries on standard error)")
+      ->check(CLI::IsMember({"xml", "json"}));
+  pCheck->add_option("--data", sData, "data directory");
+
   CLI11_PARSE(app, argc, argv);
 
+  if (pCheck->parsed()) {
+    check.json = sFormat == "json";
+    return RunCheck(ChooseDataDir(sData), check, std::cout, std::cerr);
+  }
   if (pStruct->parsed()) return RunStruct(ChooseDataDir(sData), sFile, bJson, std::cout, std::cerr);
   if (pInfo->parsed()) return RunInfo(ChooseDataDir(sData), std::cout, std::cerr);
   if (pSeg->parsed()) {

@@ -1,7 +1,25 @@
 #!/usr/bin/env bash
-# The demonstration run: starts the engine on the built data directory and
-# shows what it loaded. Usage: scripts/demo.sh BUILD_DIR
+# The demonstration run: packs the sample report of examples/ into a DOCX,
+# starts the engine on the built data directory and checks the report.
+# Usage: scripts/demo.sh BUILD_DIR
 set -euo pipefail
 build=${1:-build}
+out="$build/examples"
+mkdir -p "$out"
+python3 - "$out/sample_report.docx" <<'PY'
+import os, sys, zipfile
+src = "examples/sample_report"
+with zipfile.ZipFile(sys.argv[1], "w", zipfile.ZIP_DEFLATED) as z:
+    for root, _, files in os.walk(src):
+        for name in sorted(files):
+            path = os.path.join(root, name)
+            z.write(path, os.path.relpath(path, src))
+PY
 echo "== tarvos info (engine start on the default data directory)"
 "$build/cli/tarvos" info --data "$build/data"
+echo
+echo "== tarvos check $out/sample_report.docx"
+"$build/cli/tarvos" check "$out/sample_report.docx" --type 1 --data "$build/data"
+echo
+echo "== tarvos struct (the document model the check worked on)"
+"$build/cli/tarvos" struct "$out/sample_report.docx" --data "$build/data"

@@ -1,0 +1,92 @@
+#include "cli/CheckCommand.h"
+
+#include <strings.h>
+
+#include <cstdio>
+
+#include "api/Globals.h"
+#include "checker/CheckResult.h"
+#include "checker/ReportChecker.h"
+#include "docx/DocxParser.h"
+#include "tarvos.h"
+#include "utility/DirBrowser.h"
+#include "utility/FileUtil.h"
+
+namespace {
+
+// The documents of a folder that a check takes: doc*, wps, htm*, txt (not
+// the "_tuple" texts the engine writes itself).
+bool IsDocument(const std::string& sPath) {
+  std::string sDir, sName, sExt;
+  SplitPath(sPath, sDir, sName, sExt);
+  if (strncasecmp(sExt.c_str(), "doc", 3) == 0 || strcasecmp(sExt.c_str(), "wps") == 0 ||
+      strncasecmp(sExt.c_str(), "htm", 3) == 0)
+    return true;
+  return strcasecmp(sExt.c_str(), "txt") == 0 && !(sName.size() >= 6 && sName.compare(sName.size() - 6, 6, "_tuple") == 0);
+}
+
+std::vector<std::string> ExpandInputs(const std::vector<std::string>& vecInputs) {
+  std::vector<std::string> vecFiles;
+  for (const std::string& sInput : vecInputs) {
+    if (!IsReadableDirectory(sInput)) {
+      vecFiles.push_back(sInput);
+      continue;
+    }
+    for (const std::string& sFile : ListFiles(sInput, "*.*", true))
+      if (IsDocument(sFile)) vecFiles.push_back(sFile);
+  }
+  return vecFiles;
+}
+
+void PrintSummary(const std::string& sFile, const std::string& sResultFile, CReportChecker& checker, std::ostream& s) {
+  const CCheckResult& results = checker.GetCheckResult();
+  double fTotal = 0;
+  auto vecLines = results.GetScoreLines(fTotal);
+  char sScore[32];
+  snprintf(sScore, sizeof(sScore), "%.2f", fTotal);
+  s << sFile << ": " << results.GetErrorCount() << " findings, total score " << sScore << "\n";
+  for (const auto& line : vecLines) {
+    char sLine[64];
+    snprintf(sLine, sizeof(sLine), "  %-8s %4d  -%-6.2f ", line.id.c_str(), line.count, (double)line.score);
+    s << sLine << line.message << "\n";
+  }
+  CDocxParser& parser = checker.GetDocxParser();
+  for (const auto& kv : results.GetChapterCounts()) s << "  chapter " << parser.GetText(kv.first) << ": " << kv.second << "\n";
+  s << "  result: " << sResultFile << "\n";
+}
+
+}  // namespace
+
+int RunCheck(const std::string& sDataDir, const _tCheckOptions& options, std::ostream& out, std::ostream& err) {
+  int nStatus = TARVOS_Init(sDataDir.c_str());
+  if (nStatus != 1) {
+    err << "tarvos: the engine did not start on " << sDataDir << " (status " << nStatus << "): " << TARVOS_GetLastErrorMsg()
+        << "\n";
+    TARVOS_Exit();
+    return 1;
+  }
+  std::vector<std::string> vecFiles = ExpandInputs(options.inputs);
+  std::ostream& summary = options.json ? err : out;
+  int nFailed = 0;
+  for (size_t i = 0; i < vecFiles.size(); ++i) {
+    const std::string& sFile = vecFiles[i];
+    if (vecFiles.size() > 1) err << "[" << i + 1 << "/" << vecFiles.size() << "] " << sFile << "\n";
+    const char* sResult = TARVOS_CheckReportF(sFile.c_str(), "", options.organization.c_str(), options.type,
+                                              options.json ? 1 : 0, false, 0);
+    if (sResult == nullptr) {
+      err << "tarvos: " << sFile << ": " << TARVOS_GetLastErrorMsg() << "\n";
+      ++nFailed;
+      continue;
+    }
+    CReportChecker* pChecker = GetReportCheckerWorker(0);
+    std::string sResultFile = sResult;
+    if (options.json) {
+      out << sResult;
+      sResultFile = pChecker->GetDocxParser().m_sPath + "/../" + pChecker->GetDocxParser().m_sFilename + "_Check.json";
+    }
+    PrintSummary(sFile, sResultFile, *pChecker, summary);
+  }
+  TARVOS_Exit();
+  if (vecFiles.empty()) err << "tarvos: no document to check\n";
+  return nFailed == 0 && !vecFiles.empty() ? 0 : 1;
+}
