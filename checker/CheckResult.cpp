@@ -63,11 +63,19 @@ bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstrin
     sValue.assign(pStart, pClose ? pClose : pEnd);
     return true;
   }
+  // A key is a quoted name followed by ':'; the same text as a value is not one.
   tstring sKey = tstring("\"") + sName + "\"";
-  const char* pKey = static_cast<const char*>(memmem(p, (size_t)(pEnd - p), sKey.data(), sKey.size()));
-  if (pKey == nullptr) return false;
-  const char* q = pKey + sKey.size();
-  while (q < pEnd && (*q == ' ' || *q == ':' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
+  const char* q = nullptr;
+  for (const char* pKey = p; (pKey = static_cast<const char*>(memmem(pKey, (size_t)(pEnd - pKey), sKey.data(), sKey.size())));
+       ++pKey) {
+    q = pKey + sKey.size();
+    while (q < pEnd && (*q == ' ' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
+    if (q < pEnd && *q == ':') break;
+    q = nullptr;
+  }
+  if (q == nullptr) return false;
+  ++q;
+  while (q < pEnd && (*q == ' ' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
   if (q >= pEnd) return false;
   if (*q == '"') {
     Json::Value value;

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <atomic>
+#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -157,6 +158,49 @@ TEST_F(InstanceTest, ChecksRunEndToEndInEveryResultFormat) {
   ASSERT_NE(sMem, nullptr);
   EXPECT_EQ(std::string(sMem).rfind("<TARVOS>\n<CheckResults>\r\n", 0), 0u);
   EXPECT_STREQ(TARVOS_GetResult(1, 0), "");
+}
+
+TEST_F(InstanceTest, ImportRoutesByExtension) {
+  // A GB2312 page: "<meta charset=gb2312>" and 中文标题 / 正文&amp;段落 in GBK bytes.
+  std::string sHtml = "<html><head><meta http-equiv=\"Content-Type\" content=\"text/html; charset=gb2312\">"
+                      "<title>\xD6\xD0\xCE\xC4\xB1\xEA\xCC\xE2</title><style>p{}</style></head><body>"
+                      "<p>\xD5\xFD\xCE\xC4&amp;\xB6\xCE\xC2\xE4</p></body></html>";
+  std::ofstream(m_data.Root() + "/page.htm", std::ios::binary) << sHtml;
+  std::ofstream(m_data.Root() + "/notes.md", std::ios::binary) << "第一行\n\n  \n第二行\r\n";
+  struct { const char* szName; bool bOk; const char* szWant; } kCases[] = {
+      {"page.htm", true, "<text>正文&段落</text>"},
+      {"notes.md", true, "<text>第二行</text>"},
+      {"scan.PDF", false, "No converter for .PDF documents in this build (pdf2docx)"},
+      {"paper.tex", false, "(pandoc)"},
+      {"sheet.xlsx", false, "(Q7TxtExtraxtor)"},
+  };
+  for (const auto& c : kCases) {
+    std::string sFile = m_data.Root() + "/" + c.szName;
+    const char* sResult = TARVOS_CheckReportF(sFile.c_str(), "", "", 1, 0, false, 0);
+    EXPECT_EQ(sResult != nullptr, c.bOk) << c.szName << ": " << TARVOS_GetLastErrorMsg();
+    if (c.bOk) {
+      std::string sBase = sFile.substr(0, sFile.rfind('.'));
+      EXPECT_NE(ReadWholeFile(sBase + ".xml").find(c.szWant), std::string::npos) << c.szName;
+    } else {
+      EXPECT_EQ(std::string(TARVOS_GetLastErrorMsg()), std::string("Cannot open file ") + sFile) << c.szName;
+    }
+  }
+  EXPECT_NE(ReadWholeFile(m_data.Root() + "/page.txt").find("中文标题"), std::string::npos) << "the page's text beside it";
+}
+
+TEST_F(InstanceTest, BrokenSavedResultsFailCleanly) {
+  std::string sEmpty = m_data.Root() + "/empty_Check.xml", sCut = m_data.Root() + "/cut_Check.xml";
+  std::ofstream(sEmpty, std::ios::binary) << "";
+  std::ofstream(sCut, std::ios::binary) << "<TARVOS>\n<CheckResults>\r\n<docxPath>/nowhere</docxPath><check><paraId>1";
+  for (const std::string& sFile : {sEmpty, sCut, m_data.Root() + "/none_Check.xml"}) {
+    EXPECT_EQ(TARVOS_LoadDocResult(sFile.c_str(), 0), 0) << sFile;
+    EXPECT_EQ(TARVOS_ReCheckFormat(sFile.c_str(), 1, 0, 0), nullptr) << sFile;
+    const char* sError = TARVOS_ShowHtmlError(sFile.c_str(), 0);
+    ASSERT_NE(sError, nullptr) << sFile;
+    EXPECT_STRNE(sError, "") << sFile;
+  }
+  EXPECT_STREQ(TARVOS_ShowHtmlError((m_data.Root() + "/none_Check.xml").c_str(), 0),
+               ("Failed reading file " + m_data.Root() + "/none_Check.xml").c_str());
 }
 
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {

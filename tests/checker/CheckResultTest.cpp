@@ -168,3 +168,42 @@ TEST_F(CheckResultTest, SavedResultsReadBackInBothFormats) {
 }
 
 }  // namespace
+
+namespace {
+
+// Everything from the statistics on: what a round trip must keep.
+std::string FromStatistics(const std::string& sText) { return sText.substr(sText.find("<Statistics>")); }
+
+TEST_F(CheckResultTest, RenderImportRenderKeepsFindingsAndStatistics) {
+  for (uint32_t n = 1; n <= 5; ++n) {
+    _tCheckResult r = Finding(n * 16, n, n % 2 ? "9.1" : "9.2", "原&<x>", (int)n % 6, (int)n % 5, "新");
+    m_results.AddResult(r);
+  }
+  const std::string sXml = Render();
+  const std::string sJson = m_results.GetResultJson("/p", "doc", 1, "u", nullptr);
+  std::string sXmlFile = m_dir.Path() + "/a_Check.xml", sJsonFile = m_dir.Path() + "/a_Check.json";
+  std::ofstream(sXmlFile, std::ios::binary) << sXml;
+  std::ofstream(sJsonFile, std::ios::binary) << sJson;
+  CCheckResult fromXml, fromJson;
+  ASSERT_EQ(fromXml.Import(sXmlFile.c_str()), 1);
+  ASSERT_EQ(fromJson.Import(sJsonFile.c_str()), 1);
+  EXPECT_EQ(FromStatistics(fromXml.GetResult("/p", "doc", 1, "u", nullptr)), FromStatistics(sXml));
+  EXPECT_EQ(fromJson.GetResultJson("/p", "doc", 1, "u", nullptr), sJson);
+}
+
+TEST_F(CheckResultTest, BrokenSavedResultsNeverCrash) {
+  _tCheckResult r = Finding(1, 0, "9.1", "原");
+  m_results.AddResult(r);
+  const std::string sXml = Render();
+  std::string sFile = m_dir.Path() + "/broken_Check.xml";
+  for (size_t nCut = 0; nCut < sXml.size(); nCut += 5) {
+    std::ofstream(sFile, std::ios::binary | std::ios::trunc) << sXml.substr(0, nCut) << "<check><paraId>zz";
+    CCheckResult loaded;
+    EXPECT_EQ(loaded.Import(sFile.c_str()), 1) << "a damaged result reads what it can";
+  }
+  std::ofstream(sFile + ".json", std::ios::binary) << "{\"Errors\": [1, {\"paraId\": 5}], \"docxPath\": 7";
+  CCheckResult loaded;
+  EXPECT_EQ(loaded.Import((sFile + ".json").c_str()), -1);
+}
+
+}  // namespace
