@@ -126,9 +126,10 @@ void _tCheckResult::outputJson(Json::Value& value) const {
 
 void _tCheckResult::input(const char* pRecord, bool bJson) {
   Reset();
-  const char* pEnd = pRecord + strlen(pRecord);
+  // The end of this record, found before anything is measured to the end of
+  // the text: records are read one after another from one long file.
   const char* pStop = bJson ? strchr(pRecord, '}') : strstr(pRecord, "</check>");
-  if (pStop) pEnd = pStop;
+  const char* pEnd = pStop ? pStop : pRecord + strlen(pRecord);
   tstring s;
   if (Item(pRecord, pEnd, "paraId", bJson, s)) para_id = (uint32_t)strtoul(s.c_str(), nullptr, 16);
   if (Item(pRecord, pEnd, "page_num", bJson, s)) page_num = atoi(s.c_str());
@@ -366,13 +367,17 @@ int CCheckResult::ImportJsonFile(const char* sFilename) {
   m_sURLPrefix = fnString("url_prefix");
   m_nReportType = root["reportType"].isInt() ? root["reportType"].asInt() : 0;
   m_vecResult.clear();
-  Json::StreamWriterBuilder writer;
-  writer["indentation"] = "";
+  Json::StreamWriterBuilder builder;
+  builder["indentation"] = "";
+  builder["emitUTF8"] = true;
+  std::unique_ptr<Json::StreamWriter> pWriter(builder.newStreamWriter());
   if (root["Errors"].isArray())
     for (const Json::Value& item : root["Errors"]) {
       if (!item.isObject()) continue;
+      std::ostringstream record;
+      pWriter->write(item, &record);
       _tCheckResult result;
-      result.input(Json::writeString(writer, item).c_str(), true);
+      result.input(record.str().c_str(), true);
       m_vecResult.push_back(result);
     }
   m_bSort = false;

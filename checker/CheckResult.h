@@ -102,6 +102,5 @@ class CCheckResult {
   std::map<uint32_t, int> m_mapChapID2freq;              // findings per chapter heading id
   CDocxParser* m_pDocParser = nullptr;                   // not owned; the model of the last rendering
   unsigned m_nErrCount = 0;
-  int m_nResultFormat = 0;
   bool m_bSort = false;
 };

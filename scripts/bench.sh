@@ -48,3 +48,7 @@ fi
 ours=$(awk '/^seconds/ {print $2}' "$work/docx.out")
 awk -v ours="$ours" '/^python-docx/ {printf "speed-up over python-docx: %.1fx (required 20x)\n", $2 / ours}
                      /^unzip/ {printf "time against unzip -p: %.2fx (required within 3x)\n", ours / $2}' "$work/ref.out"
+
+echo
+echo "== findings and a whole check"
+"$build/bench/tarvos_bench_result" "$build/data" "$work/report.docx" "$work"
