@@ -367,10 +367,10 @@ int CCheckResult::ImportJsonFile(const char* sFilename) {
   m_sURLPrefix = fnString("url_prefix");
   m_nReportType = root["reportType"].isInt() ? root["reportType"].asInt() : 0;
   m_vecResult.clear();
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "";
-  builder["emitUTF8"] = true;
-  std::unique_ptr<Json::StreamWriter> pWriter(builder.newStreamWriter());
+  Json::StreamWriterBuilder writerBuilder;
+  writerBuilder["indentation"] = "";
+  writerBuilder["emitUTF8"] = true;
+  std::unique_ptr<Json::StreamWriter> pWriter(writerBuilder.newStreamWriter());
   if (root["Errors"].isArray())
     for (const Json::Value& item : root["Errors"]) {
       if (!item.isObject()) continue;
