@@ -13,6 +13,7 @@
 #include "docx/DocxParser.h"
 #include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
+#include "utility/Utf8.h"
 
 namespace {
 
@@ -51,6 +52,45 @@ int ReviseFromLetter(const tstring& sLetter) {
   return p ? (int)(p - kReviseLetters) : 0;
 }
 
+// A JSON string's text from after its opening quote; false when it is not
+// closed before pEnd.
+bool UnquoteJson(const char* p, const char* pEnd, tstring& sValue) {
+  sValue.clear();
+  while (p < pEnd && *p != '"') {
+    if (*p != '\\') {
+      sValue.push_back(*p++);
+      continue;
+    }
+    if (++p >= pEnd) return false;
+    char c = *p++;
+    switch (c) {
+      case 'n': sValue.push_back('\n'); break;
+      case 'r': sValue.push_back('\r'); break;
+      case 't': sValue.push_back('\t'); break;
+      case 'b': sValue.push_back('\b'); break;
+      case 'f': sValue.push_back('\f'); break;
+      case 'u': {
+        auto fnHex = [&](uint32_t& n) {
+          if (pEnd - p < 4) return false;
+          n = (uint32_t)strtoul(tstring(p, 4).c_str(), nullptr, 16);
+          p += 4;
+          return true;
+        };
+        uint32_t n = 0, nLow = 0;
+        if (!fnHex(n)) return false;
+        if (n >= 0xD800 && n <= 0xDBFF && pEnd - p >= 6 && p[0] == '\\' && p[1] == 'u') {
+          p += 2;
+          if (fnHex(nLow) && nLow >= 0xDC00 && nLow <= 0xDFFF) n = 0x10000 + ((n - 0xD800) << 10) + (nLow - 0xDC00);
+        }
+        AppendUtf8(sValue, n);
+        break;
+      }
+      default: sValue.push_back(c); break;  // \" \\ \/
+    }
+  }
+  return p < pEnd;
+}
+
 // The item of a record before pEnd: the text of <sName>...</sName> (XML) or
 // the value of "sName": (JSON, a quoted string or a bare number).
 bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstring& sValue) {
@@ -77,17 +117,7 @@ bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstrin
   ++q;
   while (q < pEnd && (*q == ' ' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
   if (q >= pEnd) return false;
-  if (*q == '"') {
-    Json::Value value;
-    const char* pClose = q + 1;
-    while (pClose < pEnd && *pClose != '"') pClose += *pClose == '\\' ? 2 : 1;
-    if (pClose >= pEnd) return false;
-    Json::CharReaderBuilder builder;
-    std::unique_ptr<Json::CharReader> pReader(builder.newCharReader());
-    if (!pReader->parse(q, pClose + 1, &value, nullptr) || !value.isString()) return false;
-    sValue = value.asString();
-    return true;
-  }
+  if (*q == '"') return UnquoteJson(q + 1, pEnd, sValue);
   const char* pStop = q;
   while (pStop < pEnd && *pStop != ',' && *pStop != '}' && *pStop != '\n') ++pStop;
   sValue.assign(q, pStop);
