@@ -1,12 +1,11 @@
 // Reading the feature switches of "ZYG-Configure.json".
 #include <strings.h>
 
-#include <fstream>
-
 #include <json/json.h>
 
 #include "api/Globals.h"
 #include "utility/ErrorLog.h"
+#include "utility/FileUtil.h"
 
 namespace {
 
@@ -24,11 +23,8 @@ bool Is(const tstring& sValue, const char* sWord) { return strcasecmp(sValue.c_s
 
 int LoadZYGConfigre(const char* sFilename) {
   tstring sName = sFilename ? sFilename : "";
-  std::ifstream in(sName, std::ios::binary);
   Json::Value root;
-  Json::CharReaderBuilder builder;
-  JSONCPP_STRING sErrors;
-  if (!in || !Json::parseFromStream(builder, in, &root, &sErrors) || !root.isObject()) {
+  if (!ReadJsonObjectFile(sName, root)) {
     SetLastError("Failed reading file " + sName);
     return 0;
   }

@@ -13,6 +13,7 @@
 #include "docx/DocxParser.h"
 #include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
+#include "utility/FileUtil.h"
 #include "utility/Utf8.h"
 
 namespace {
@@ -352,14 +353,11 @@ int CCheckResult::Import(const char* sFilename) {
   tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
   SplitPath(sName, sDir, sBase, sExt);
   if (strcasecmp(sExt.c_str(), "json") == 0) return ImportJsonFile(sName.c_str());
-  std::ifstream in(sName, std::ios::binary);
-  if (!in) {
+  tstring sText;
+  if (!ReadFileText(sName, sText)) {
     SetLastError("Failed Read file " + sName);
     return -1;
   }
-  std::ostringstream text;
-  text << in.rdbuf();
-  const tstring sText = text.str();
   const char* p = sText.c_str();
   const char* pEnd = p + sText.size();
   tstring s;
@@ -383,11 +381,8 @@ int CCheckResult::Import(const char* sFilename) {
 
 int CCheckResult::ImportJsonFile(const char* sFilename) {
   tstring sName = sFilename ? sFilename : "";
-  std::ifstream in(sName, std::ios::binary);
   Json::Value root;
-  Json::CharReaderBuilder builder;
-  JSONCPP_STRING sErrors;
-  if (!in || !Json::parseFromStream(builder, in, &root, &sErrors) || !root.isObject()) {
+  if (!ReadJsonObjectFile(sName, root)) {
     SetLastError("Failed Read file " + sName);
     return -1;
   }

@@ -185,15 +185,9 @@ int CDocxParser::ReadDocx(const char* sFile) {
 
 bool CDocxParser::ReadPart(const tstring& sRelative, tstring& sText, const char* sMissing) const {
   tstring sFile = m_sPath + "/" + sRelative;
-  std::ifstream in(sFile, std::ios::binary);
-  if (!in) {
-    if (sMissing) WriteError(sMissing + sFile);
-    return false;
-  }
-  std::ostringstream text;
-  text << in.rdbuf();
-  sText = text.str();
-  return true;
+  if (ReadFileText(sFile, sText)) return true;
+  if (sMissing) WriteError(sMissing + sFile);
+  return false;
 }
 
 int CDocxParser::ParseStruct(int nDocType, const char* sURLPrefix, bool bHtmlNeeded) {
@@ -762,14 +756,11 @@ int CDocxParser::ImportFile(const char* sFilename, const char* sURLPrefix, int n
   }
   tstring sTextFile = sName;
   if (strncasecmp(sExt.c_str(), "htm", 3) == 0) {
-    std::ifstream in(sName, std::ios::binary);
-    if (!in) {
+    tstring sHtml;
+    if (!ReadFileText(sName, sHtml)) {
       SetLastError("Cannot open file " + sName);
       return -3;
     }
-    std::ostringstream page;
-    page << in.rdbuf();
-    tstring sHtml = page.str();
     if (strncasecmp(HtmlCharset(sHtml).c_str(), "gb", 2) == 0) sHtml = GBKToUTF8(sHtml);
     sTextFile = (sDir.empty() ? sBase : sDir + "/" + sBase) + ".txt";
     std::ofstream out(sTextFile, std::ios::binary);
@@ -787,14 +778,11 @@ int CDocxParser::ImportFile(const char* sFilename, const char* sURLPrefix, int n
 int CDocxParser::ImportText(const char* sFilename, int nDocType) {
   tstring sName = sFilename ? sFilename : "", sDir, sBase, sExt;
   SplitPath(sName, sDir, sBase, sExt);
-  std::ifstream in(sName, std::ios::binary);
-  if (!in) {
+  tstring sText;
+  if (!ReadFileText(sName, sText)) {
     SetLastError("Cannot open file " + sName);
     return 0;
   }
-  std::ostringstream text;
-  text << in.rdbuf();
-  tstring sText = text.str();
   // Texts come in many encodings: anything but UTF-8 is converted first.
   tstring sCharset = CodeTrans_Detect(sText.data(), sText.size());
   if (!sCharset.empty() && sCharset != "UTF-8") sText = ConvertLenient(sText, sCharset.c_str(), "UTF-8");
@@ -860,15 +848,12 @@ tstring CDocxParser::Doc2Docx(const char* sFilename) {
 }
 
 size_t CDocxParser::LoadDocResult(const char* sResultXMLFilename) {
-  tstring sFile = sResultXMLFilename ? sResultXMLFilename : "";
-  std::ifstream in(sFile, std::ios::binary);
-  if (!in) {
+  tstring sFile = sResultXMLFilename ? sResultXMLFilename : "", sText;
+  if (!ReadFileText(sFile, sText)) {
     SetLastError("Fail read file " + sFile);
     return 0;
   }
-  std::ostringstream text;
-  text << in.rdbuf();
-  return InputXMLData(text.str());
+  return InputXMLData(sText);
 }
 
 size_t CDocxParser::InputXMLData(const tstring& sXml) {

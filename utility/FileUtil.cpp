@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <fstream>
+#include <sstream>
+
 bool WriteFileReplacing(const tstring& sFilename, const std::function<bool(FILE*)>& fnWrite) {
   if (sFilename.empty()) return false;
   tstring sTemp = sFilename + ".tmp" + std::to_string(getpid());
@@ -24,4 +27,21 @@ bool IsReadableDirectory(const tstring& sPath) {
 bool IsRegularFile(const tstring& sPath) {
   struct stat st;
   return stat(sPath.c_str(), &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool ReadFileText(const tstring& sPath, tstring& sText) {
+  sText.clear();
+  std::ifstream in(sPath, std::ios::binary);
+  if (!in) return false;
+  std::ostringstream text;
+  text << in.rdbuf();
+  sText = text.str();
+  return true;
+}
+
+bool ReadJsonObjectFile(const tstring& sPath, Json::Value& root) {
+  std::ifstream in(sPath, std::ios::binary);
+  Json::CharReaderBuilder builder;
+  JSONCPP_STRING sErrors;
+  return in && Json::parseFromStream(builder, in, &root, &sErrors) && root.isObject();
 }
