@@ -1,35 +1,35 @@
 #include "checker/DocFormatCheck.h"
 
-#include "utility/ErrorLog.h"
-
-namespace {
-const char kStore[] = "the template store (CDocxTemplate)";
-}
-
 int CDocFormatCheck::Check(CDocxParser*, CCheckResult*, int) { return 1; }
 
-int CDocFormatCheck::ImportTemplate(const char*, int, const char*, const char*, const char*) {
-  return ServiceMissing(kStore);
+int CDocFormatCheck::ImportTemplate(const char* sTemplateFile, int nType, const char* sOrg, const char* sArea,
+                                    const char* sArgumemt) {
+  int nId = m_pDocTemplate->ImportTemplate(nType, sOrg, sArea, sArgumemt, sTemplateFile);
+  m_pDocTemplate->Save();
+  return nId;
 }
 
-int CDocFormatCheck::EditTemplate(int, const char*, int, const char*, const char*, const char*) {
-  return ServiceMissing(kStore);
+int CDocFormatCheck::EditTemplate(int nTemplateID, const char* sTemplateFile, int nType, const char* sOrg,
+                                  const char* sArea, const char* sArgumemt) {
+  int nId = m_pDocTemplate->EditTemplate(nTemplateID, nType, sOrg, sArea, sArgumemt, sTemplateFile);
+  m_pDocTemplate->Save();
+  return nId;
 }
 
-int CDocFormatCheck::FindTemplate(int, const char*, const char*, const char*) {
-  return ServiceMissing(kStore, -1);
+int CDocFormatCheck::FindTemplate(int nType, const char* sOrg, const char* sArea, const char* sArgumemt) {
+  return m_pDocTemplate->FindTemplate(nType, sOrg, sArea, sArgumemt, false);
 }
 
-int CDocFormatCheck::DeleteTemplate(int) { return ServiceMissing(kStore); }
-
-const char* CDocFormatCheck::GetTemplate(int) {
-  ServiceMissing(kStore);
-  return nullptr;
+int CDocFormatCheck::DeleteTemplate(int nTemplateID) {
+  int nId = m_pDocTemplate->DeleteTemplate(nTemplateID);
+  m_pDocTemplate->Save();
+  return nId;
 }
 
-int CDocFormatCheck::GetTemplateCount() { return ServiceMissing(kStore); }
+const char* CDocFormatCheck::GetTemplate(int nTemplateID) { return m_pDocTemplate->GetTemplate(nTemplateID); }
 
-const char* CDocFormatCheck::GetTemplateList(int, const char*) {
-  ServiceMissing(kStore);
-  return nullptr;
+int CDocFormatCheck::GetTemplateCount() { return (int)m_pDocTemplate->GetCount(); }
+
+const char* CDocFormatCheck::GetTemplateList(int docType, const char* sOrgnization) {
+  return m_pDocTemplate->GetTemplateList(docType, sOrgnization);
 }

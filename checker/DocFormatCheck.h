@@ -1,8 +1,11 @@
 #pragma once
 // CDocFormatCheck compares a parsed document with the template that fits it
-// and fronts the template store for the template calls. The template store
-// and the checks are not built yet: a check finds nothing and every template
-// call reports the missing service.
+// and fronts the template store for the template calls: each call that
+// changes the store is followed by Save. The format checks themselves are
+// not built yet: a check finds nothing.
+#include <memory>
+
+#include "docx/DocxTemplate.h"
 #include "utility/TString.h"
 
 class CDocxParser;
@@ -10,7 +13,8 @@ class CCheckResult;
 
 class CDocFormatCheck {
  public:
-  explicit CDocFormatCheck(const char* sDataPath) : m_sDataPath(sDataPath ? sDataPath : "") {}
+  explicit CDocFormatCheck(const char* sDataPath)
+      : m_pDocTemplate(new CDocxTemplate(sDataPath)), m_sDataPath(sDataPath ? sDataPath : "") {}
   CDocFormatCheck(const CDocFormatCheck&) = delete;  // owns the template store
   CDocFormatCheck& operator=(const CDocFormatCheck&) = delete;
 
@@ -29,5 +33,6 @@ class CDocFormatCheck {
   const char* GetTemplateList(int docType, const char* sOrgnization);
 
  private:
-  tstring m_sDataPath;  // data directory the template store lives in
+  std::unique_ptr<CDocxTemplate> m_pDocTemplate;  // the template store
+  tstring m_sDataPath;                            // data directory the store lives in
 };

@@ -205,11 +205,15 @@ TARVOS_API int TARVOS_CheckReportDir(const char* sReportDir, const char* sOrgniz
 /* ===================================================================== */
 
 /* Learns a template from a sample DOCX for report type, organisation, area
-   and argument. Returns the new template id; 0 on failure. */
+   and argument ("*" files it as the wildcard of that key). In the sample,
+   required texts stand between the markers KKK and GGG. Returns the
+   template's id (from 0; the same keys again replace that template); a
+   negative number on failure, 0 when format checking is off. */
 TARVOS_API int TARVOS_ImportTemplate(const char* sTemplateFile, int nType, const char* sOrg,
                                      const char* sArea, const char* sArgumemt);
 
-/* Replaces template nTemplateID. Returns the store's result; 0 on failure. */
+/* Replaces template nTemplateID (without a file only its keys change).
+   Returns nTemplateID; 0 when format checking is off. */
 TARVOS_API int TARVOS_EditTemplate(int nTemplateID, const char* sTemplateFile, int nType,
                                    const char* sOrg, const char* sArea, const char* sArgumemt);
 
@@ -218,18 +222,21 @@ TARVOS_API int TARVOS_EditTemplate(int nTemplateID, const char* sTemplateFile, i
 TARVOS_API int TARVOS_FindTemplate(int nType, const char* sOrg, const char* sArea,
                                    const char* sArgumemt);
 
-/* Deletes a template; later ids shift down by one. 0 on failure. */
+/* Deletes a template; later ids shift down by one. Returns the id; -1 for
+   an unknown id, 0 when format checking is off. */
 TARVOS_API int TARVOS_DeleteTemplate(int nTemplateID);
 
-/* One template as JSON text. Owner: template store (SERVICE; valid until the
-   next TARVOS_GetTemplate or TARVOS_GetTemplateList). NULL on failure. */
+/* One template as JSON text (its values unescaped). Owner: template store
+   (SERVICE; valid until the next TARVOS_GetTemplate or TARVOS_GetTemplateList).
+   "" for an unknown id; NULL when format checking is off. */
 TARVOS_API const char* TARVOS_GetTemplate(int nTemplateID);
 
 /* Number of templates in the store; 0 on failure. */
 TARVOS_API int TARVOS_GetTemplateCount(void);
 
 /* The arguments and areas known for a report type and organisation, as JSON.
-   Owner: template store (SERVICE, as TARVOS_GetTemplate). NULL on failure. */
+   Owner: template store (SERVICE, as TARVOS_GetTemplate). NULL when format
+   checking is off. */
 TARVOS_API const char* TARVOS_GetTemplateList(int docType, const char* sOrgnization);
 
 /* ===================================================================== */

@@ -106,8 +106,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
       {"ScanTextMem", [] { return ZYG_ScanTextMem("正文", 1, 1, 0) == nullptr; }, "CAuditAgent"},
       {"ExtractKnowledge", [] { return TARVOS_ExtractKnowledge("正文", 1) == nullptr; }, "CAuditAgent"},
-      {"ImportTemplate", [] { return TARVOS_ImportTemplate("t.docx", 1, "", "", "") == 0; }, "CDocxTemplate"},
-      {"GetTemplate", [] { return TARVOS_GetTemplate(1) == nullptr; }, "CDocxTemplate"},
       {"ZYG_GetRuleListId", [] { return *ZYG_GetRuleListId(1) == '\0'; }, "CZYG"},
       {"Audit_AddRule", [] { return Audit_AddRule("{}", 1) == -1; }, "CAudit"},
       {"CheckReportDir", [] { return TARVOS_CheckReportDir("/tmp", "", 1, 0, 2) == -1; }, "TARVOS_CheckReportDir"},
@@ -201,6 +199,23 @@ TEST_F(InstanceTest, BrokenSavedResultsFailCleanly) {
   }
   EXPECT_STREQ(TARVOS_ShowHtmlError((m_data.Root() + "/none_Check.xml").c_str(), 0),
                ("Failed reading file " + m_data.Root() + "/none_Check.xml").c_str());
+}
+
+TEST_F(InstanceTest, TemplateCallsReachTheStore) {
+  EXPECT_EQ(TARVOS_GetTemplateCount(), 0);
+  EXPECT_LT(TARVOS_ImportTemplate("missing.docx", 1, "", "", ""), 0);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "Fail read template doc file missing.docx");
+  std::string sSample = m_data.Root() + "/sample.docx";
+  ASSERT_TRUE(WriteDocx(sSample, Para(TextRun("第一章 绪论"), "<w:outlineLvl w:val=\"0\"/>") + Para(TextRun("正文"))));
+  EXPECT_EQ(TARVOS_ImportTemplate(sSample.c_str(), 1, "大学", "*", "本科"), 0);
+  EXPECT_EQ(TARVOS_GetTemplateCount(), 1);
+  EXPECT_EQ(TARVOS_FindTemplate(1, "别的大学", "某地", "本科"), 0) << "unknown keys fall back to the type's templates";
+  EXPECT_EQ(TARVOS_FindTemplate(1, "大学", "某地", "硕士"), -1) << "the argument must still match";
+  EXPECT_EQ(TARVOS_FindTemplate(2, "别的大学", "某地", "本科"), -1) << "no template of that type";
+  EXPECT_NE(std::string(TARVOS_GetTemplate(0)).find("\"zyg_organization\": \"大学\""), std::string::npos);
+  EXPECT_STREQ(TARVOS_GetTemplate(5), "");
+  EXPECT_EQ(TARVOS_DeleteTemplate(0), 0);
+  EXPECT_EQ(TARVOS_GetTemplateCount(), 0);
 }
 
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {

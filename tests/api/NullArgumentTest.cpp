@@ -37,7 +37,10 @@ const NullCase kNullCases[] = {
     {"ImportTemplate", [] { return TARVOS_ImportTemplate(nullptr, 1, nullptr, nullptr, nullptr) == 0; }},
     {"EditTemplate", [] { return TARVOS_EditTemplate(1, nullptr, 1, nullptr, nullptr, nullptr) == 0; }},
     {"FindTemplate", [] { return TARVOS_FindTemplate(1, nullptr, nullptr, nullptr) <= 0; }},
-    {"GetTemplateList", [] { return TARVOS_GetTemplateList(1, nullptr) == nullptr; }},
+    {"GetTemplateList", [] {  // a NULL organisation is "": known to no template
+       const char* s = TARVOS_GetTemplateList(1, nullptr);
+       return s == nullptr || std::string(s).find("\"ArguCount\": 0,") != std::string::npos;
+     }},
     {"ImportZYGRules", [] { return TARVOS_ImportZYGRules(nullptr, true, 1) == -1; }},
     {"ImportZYGRulesFromMem", [] { return TARVOS_ImportZYGRulesFromMem(nullptr, false, 1) == -1; }},
     {"AddAuditRule", [] { return TARVOS_AddAuditRule(nullptr, 1) == -1; }},
@@ -60,7 +63,7 @@ const NullCase kStoppedCases[] = {
     {"GetCurTemplateInfo", [] { return TARVOS_GetCurTemplateInfo(0) == nullptr; }},
     {"ShowHtmlError", [] { return TARVOS_ShowHtmlError("x.xml", 0) == nullptr; }},
     {"DeleteTemplate", [] { return TARVOS_DeleteTemplate(1) == 0; }},
-    {"GetTemplate", [] { return TARVOS_GetTemplate(1) == nullptr; }},
+    {"GetTemplate", [] { return TARVOS_GetTemplate(1) == nullptr; }},  // format checking stopped
     {"GetTemplateCount", [] { return TARVOS_GetTemplateCount() == 0; }},
     {"ZYG_GetSysInfo", [] { return IsEmpty(ZYG_GetSysInfo()); }},
     {"ZYG_GetRuleListId", [] { return IsEmpty(ZYG_GetRuleListId(1)); }},
