@@ -252,7 +252,6 @@ bool CDocxTemplate::MakeRecord(int reportType, const char* sOrganization, const 
   record.area = sArea ? sArea : "";
   record.argu = sArgu ? sArgu : "";
   if (!m_bDirty) Data2Org();
-  m_bDirty = true;
   tstring sText;
   CDocFormat format;
   if (sTemplateFile == nullptr ||
@@ -268,6 +267,7 @@ bool CDocxTemplate::MakeRecord(int reportType, const char* sOrganization, const 
     return false;
   }
   m_bFileDirty = true;
+  m_bDirty = true;
   return true;
 }
 
@@ -289,6 +289,7 @@ int CDocxTemplate::EditTemplate(int nTemplateID, int reportType, const char* sOr
                                 const char* sArgu, const char* sTemplateFile) {
   _tTemplateOrg record;
   bool bText = MakeRecord(reportType, sOrganization, sArea, sArgu, sTemplateFile, record);
+  m_bDirty = true;
   if (nTemplateID < 0 || (size_t)nTemplateID >= m_vecTemplateOrg.size()) return nTemplateID;  // nothing to replace
   if (!bText) {  // only the keys change
     record.template_data_offset = m_vecTemplateOrg[nTemplateID].template_data_offset;
