@@ -45,9 +45,10 @@ size_t CReportChecker::LoadDocResult(const char* sResultXMLFilename) {
 
 const char* CReportChecker::GetCurTemplateInfo() { return m_pDocxParser->GetCurTemplateInfo(); }
 
-int CReportChecker::Check(int nType, int nResultFormat, const char* /*sOrgnization*/,
+int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization,
                           bool /*bDebug*/) {
   m_nReportType = nType;
+  m_pDocxParser->m_sOrganization = sOrgnization ? sOrgnization : "";
   m_nResultFormat = nResultFormat;
   m_pCheckResult->Reset();
   // The rule-engine audit and its knowledge results come with the audit

@@ -3,9 +3,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "checker/CheckResult.h"
 #include "docx/DocxParser.h"
 #include "docx/XmlScan.h"
 #include "utility/ErrorLog.h"
+#include "utility/Num2FontSize.h"
 #include "utility/NumberOrder.h"
 #include "utility/TextNormalizer.h"
 
@@ -197,4 +199,135 @@ int CDocFormat::Import(const char* pText, const char* pTextEnd, const std::map<t
   m_pDict->FinishAdd();
   m_pExists.assign(m_pDict->GetCount(), false);
   return 1;
+}
+
+namespace {
+
+const int kSkippedLevels[] = {kLevelTable, kLevelFigure, kLevelTextBox, kLevelBody, -101, -1, -2, -3};
+
+bool IsSkipped(const _tParagraph& para) {
+  if (para.text.empty()) return true;
+  for (int nLevel : kSkippedLevels)
+    if (para.level == nLevel) return true;
+  return false;
+}
+
+// The key of highest weight; the smallest key wins a tie (maps iterate in
+// ascending order and only a strictly greater weight replaces the best).
+template <class K>
+const K* Heaviest(const std::map<K, int>& mapWeights, bool (*fnTake)(const K&, const K&), const K& probe) {
+  const K* pBest = nullptr;
+  int nBest = 0;
+  for (const auto& item : mapWeights)
+    if (fnTake(item.first, probe) && (pBest == nullptr || item.second > nBest)) {
+      pBest = &item.first;
+      nBest = item.second;
+    }
+  return pBest;
+}
+
+bool AnyKey(const int&, const int&) { return true; }
+
+// Font names of one script class: both start with an ASCII byte, or both with
+// the first byte of a multi-byte character.
+bool SameScript(const tstring& sFont, const tstring& sProbe) {
+  return !sFont.empty() && !sProbe.empty() && ((unsigned char)sFont[0] >= 128) == ((unsigned char)sProbe[0] >= 128);
+}
+
+tstring Decimal(int n) { return std::to_string(n); }
+
+// The numbering found in a paragraph when its style is not the pattern's,
+// with the paragraph's number rendered in the pattern's style.
+bool NumberingDiffers(const _tParagraph& para, const _tSection_Format& pattern, tstring& sFound, tstring& sNew) {
+  if (pattern.num_format == kStyleNone) return false;
+  _tSection_Info found;
+  if (para.level == kLevelFormula) {  // the index stands in brackets at the end
+    size_t nOpen = para.text.rfind('(');
+    ExtractOrder(nOpen == tstring::npos ? para.text : para.text.substr(nOpen), kOrderFormula, found);
+  } else {
+    ExtractOrder(para.text, kOrderHeading, found);
+  }
+  if (found.order < 1 || found.IsSameFormat(pattern)) return false;
+  sFound = found.text;
+  sNew = SetNewSectionNo(found, pattern);
+  return true;
+}
+
+}  // namespace
+
+void CDocFormat::MarkRequired(const tstring& sText) {
+  if (!m_pDict || m_pExists.empty()) return;
+  tstring sNormal = NormalizeText(sText);
+  std::vector<_tPatternMatch> vecMatch;
+  m_pDict->Scan(sNormal.data(), sNormal.size(), vecMatch);
+  for (const _tPatternMatch& match : vecMatch)
+    if (match.id >= 0 && (size_t)match.id < m_pExists.size()) m_pExists[match.id] = true;
+}
+
+const _tFormat& CDocFormat::FormatOfLevel(int nLevel) const {
+  auto it = m_leve2Format.find(nLevel);
+  if (it != m_leve2Format.end()) return it->second;
+  char sLine[128];
+  snprintf(sLine, sizeof(sLine), "LevelType %d not exists in template. Document format check using text template", nLevel);
+  WriteLog(sLine);
+  static const _tFormat kNone;
+  it = m_leve2Format.find(kLevelBody);
+  return it != m_leve2Format.end() ? it->second : kNone;
+}
+
+tstring CDocFormat::SizeName(int nHalfPoints) const {
+  if (m_pSizeNames) return m_pSizeNames->GetName(nHalfPoints);
+  CNum2FontSize names;
+  return names.GetName(nHalfPoints);
+}
+
+int CDocFormat::CheckFormatOnParagraph(_tParagraph& para, CCheckResult* pCheckResult) {
+  if (IsSkipped(para)) return 1;
+  MarkRequired(para.text);
+  const _tFormat& format = FormatOfLevel(para.level);
+  _tCheckResult base;
+  base.para_id = para.id;
+  base.page_num = para.page_num;
+  base.text = para.text;
+  base.offset = 0;
+  base.revise_type = 1;
+  auto fnAdd = [&](const char* szErrorId, int nField, const tstring& sOrg, const tstring& sNew) {
+    _tCheckResult result = base;
+    result.error_id = szErrorId;
+    result.field_id = nField;
+    result.org_str = sOrg;
+    result.new_str = sNew;
+    pCheckResult->AddResult(result);
+  };
+  if (para.line_space != 0 && para.level >= 0 && para.level <= 4 && !format.mapLineSpace2Freq.empty() &&
+      !format.mapLineSpace2Freq.count(para.line_space))
+    fnAdd("1.1.3", 4, Decimal(para.line_space / 20),
+          Decimal(*Heaviest<int>(format.mapLineSpace2Freq, AnyKey, 0) / 20));
+  if (para.font_size != 0 && !format.mapFontSize2Freq.empty() && !format.mapFontSize2Freq.count(para.font_size))
+    fnAdd("1.1.2", 1, SizeName(para.font_size), SizeName(*Heaviest<int>(format.mapFontSize2Freq, AnyKey, 0)));
+  if (!para.font.empty() && !format.mapFont2Freq.empty() && !format.mapFont2Freq.count(para.font)) {
+    const tstring* pFont = Heaviest<tstring>(format.mapFont2Freq, SameScript, para.font);
+    if (pFont) fnAdd("1.1.1", 0, para.font, *pFont);
+  }
+  tstring sFound, sNew;
+  if (NumberingDiffers(para, format.section_format, sFound, sNew)) fnAdd("1.1.4", 2, sFound, sNew);
+  return 1;
+}
+
+int CDocFormat::CheckRequired(CCheckResult* pCheckResult, unsigned int nID) {
+  int nAdded = 0;
+  for (size_t i = 0; i < m_pExists.size(); ++i) {
+    if (m_pExists[i]) continue;
+    _tCheckResult result;
+    result.page_num = 0;
+    result.para_id = nID;
+    result.offset = (uint32_t)i;
+    result.error_id = "12.1";
+    result.field_id = 5;  // a missing content: a font finding without text would be dropped
+    result.revise_type = 4;
+    result.new_str = m_pWordList ? tstring(m_pWordList->GetWord((int)i)) : tstring();
+    pCheckResult->AddResult(result);
+    ++nAdded;
+  }
+  return nAdded;
 }

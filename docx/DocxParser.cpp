@@ -871,6 +871,12 @@ const char* CDocxParser::GetCurTemplateInfo() {
   return nullptr;
 }
 
+void CDocxParser::GetOrgType(int /*nReportType*/, tstring& sOrganization, tstring& sArea, tstring& sArgument) const {
+  sOrganization = m_sOrganization.empty() ? "*" : m_sOrganization;
+  sArea = "*";
+  sArgument = "*";
+}
+
 const char* CDocxParser::GetXMLData() {
   DocCharStat();
   m_sResult = CStructureWriter(*this).Xml();

@@ -77,6 +77,9 @@ class CDocxParser {
 
   // The template chosen for the document; null before one was chosen.
   const char* GetCurTemplateInfo();
+  // The keys a template is chosen by: the organisation handed to the check
+  // ("*" when none) and "*" for area and argument.
+  void GetOrgType(int nReportType, tstring& sOrganization, tstring& sArea, tstring& sArgument) const;
 
   // The structure as XML (CR LF lines) or JSON; valid until the next call
   // that returns text on this parser.
@@ -109,6 +112,7 @@ class CDocxParser {
   tstring m_sURLPrefix;     // URL prefix of the HTML pages
   tstring m_sDocFormatExt;  // extension of the imported file
   int m_nDocType = 0;
+  tstring m_sOrganization;  // organisation the current check is for
   int m_nResultFormat = 0;
 
   std::vector<_tParagraph> m_vecParagraph;

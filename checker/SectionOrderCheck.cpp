@@ -1,0 +1,209 @@
+#include "checker/SectionOrderCheck.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "checker/CheckResult.h"
+#include "docx/DocxParser.h"
+#include "utility/NumberOrder.h"
+
+namespace {
+
+const int kMaxHeadingLevel = 4;
+
+// The number of `info` with its parts replaced, in its own style.
+tstring Renumbered(const _tSection_Info& info, const std::vector<int>& vecOrders) {
+  _tSection_Info copy = info;
+  copy.vecOrders = vecOrders;
+  copy.text.clear();
+  return SetNewSectionNo(copy, copy);
+}
+
+tstring WithLast(const _tSection_Info& info, int nLast) {
+  std::vector<int> vecOrders = info.vecOrders;
+  if (vecOrders.empty()) vecOrders.push_back(nLast);
+  vecOrders.back() = nLast;
+  return Renumbered(info, vecOrders);
+}
+
+bool IsYear(const tstring& s, size_t i) {
+  if (i + 4 > s.size() || (i > 0 && isdigit((unsigned char)s[i - 1])) ||
+      (i + 4 < s.size() && isdigit((unsigned char)s[i + 4])))
+    return false;
+  for (size_t k = 0; k < 4; ++k)
+    if (!isdigit((unsigned char)s[i + k])) return false;
+  return (s[i] == '1' && s[i + 1] >= '5') || (s[i] == '2' && s[i + 1] == '0');
+}
+
+bool HasYear(const tstring& s) {
+  for (size_t i = 0; i + 4 <= s.size(); ++i)
+    if (IsYear(s, i)) return true;
+  return false;
+}
+
+// A document-type code in square brackets: [J] [M] [C] [D] [S] [EB/OL] [J/OL] ...
+bool HasTypeCode(const tstring& s) {
+  static const char* const kCodes[] = {"M", "C", "N", "J", "D", "R", "S", "P", "DB", "CP", "EB", "A", "Z",
+                                       "G", "K", "CM", "DS", "M/OL", "J/OL", "C/OL", "N/OL", "D/OL",
+                                       "R/OL", "S/OL", "P/OL", "DB/OL", "CP/OL", "EB/OL", "Z/OL", "G/OL"};
+  for (size_t nOpen = s.find('['); nOpen != tstring::npos; nOpen = s.find('[', nOpen + 1)) {
+    size_t nClose = s.find(']', nOpen);
+    if (nClose == tstring::npos) return false;
+    tstring sCode = s.substr(nOpen + 1, nClose - nOpen - 1);
+    for (const char* szCode : kCodes)
+      if (sCode == szCode) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+void CSectionOrderCheck::Add(const _tParagraph& para, const char* szErrorId, const tstring& sOrg, const tstring& sNew,
+                             int nReviseType) {
+  _tCheckResult result;
+  result.para_id = para.id;
+  result.page_num = para.page_num;
+  result.text = para.text;
+  result.error_id = szErrorId;
+  result.field_id = 2;
+  result.revise_type = nReviseType;
+  result.org_str = sOrg;
+  result.new_str = sNew;
+  m_result.AddResult(result);
+}
+
+const _tParagraph* CSectionOrderCheck::ParagraphWithId(uint32_t nParaId) const {
+  for (const _tParagraph& para : m_parser.m_vecParagraph)
+    if (para.id == nParaId) return &para;
+  return nullptr;
+}
+
+void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {
+  int nWant = nFirst;
+  for (_tSection_Info& part : vecParts) {
+    if (part.order <= 0 || part.error_id == "1.3.7") continue;
+    const _tParagraph* pPara = ParagraphWithId(part.para_id);
+    if (part.order > nWant) {
+      part.error_id = "1.3.14";
+      if (pPara) Add(*pPara, "1.3.14", part.text, WithLast(part, nWant));
+      nWant = part.order + 1;
+    } else if (part.order < nWant) {
+      part.error_id = "1.3.15";
+      part.orderNew = nWant;
+      part.textNew = WithLast(part, nWant);
+      if (pPara) Add(*pPara, "1.3.15", part.text, part.textNew);
+      ++nWant;
+    } else {
+      ++nWant;
+    }
+  }
+}
+
+int CSectionOrderCheck::ChapterAt(size_t nIndex) const {
+  int nChapter = 0;
+  for (size_t k = 0; k < m_parser.m_vecChapterParaIndex.size() && k < m_parser.m_vecChapterId.size(); ++k)
+    if ((size_t)m_parser.m_vecChapterParaIndex[k] <= nIndex) nChapter = m_parser.m_vecChapterId[k];
+  return nChapter;
+}
+
+void CSectionOrderCheck::CheckSections() {
+  for (size_t nStart = 0; nStart < m_parser.m_vecDocStruct.size();)
+    nStart = CheckSectionOrder(nStart, 2, "");
+}
+
+size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const tstring& sChapId) {
+  const std::vector<int>& vecHeadings = m_parser.m_vecDocStruct;
+  int vecLast[kMaxHeadingLevel + 1] = {0};
+  int nPrevLevel = nLevel - 1;
+  size_t i = nStart;
+  for (; i < vecHeadings.size(); ++i) {
+    if (vecHeadings[i] < 0 || (size_t)vecHeadings[i] >= m_parser.m_vecParagraph.size()) continue;
+    const _tParagraph& para = m_parser.m_vecParagraph[vecHeadings[i]];
+    if (para.level < nLevel) {
+      if (i > nStart) break;  // the next chapter starts the next call
+      continue;
+    }
+    if (para.level > kMaxHeadingLevel) continue;
+    _tSection_Info info;
+    if (ExtractOrder(para.text, kOrderHeading, info) <= 0) continue;
+    const int nChapter = sChapId.empty() ? ChapterAt((size_t)vecHeadings[i]) : atoi(sChapId.c_str());
+    if (para.level > nPrevLevel + 1)
+      Add(para, "1.3.5", info.text, "");
+    if (info.vecOrders.size() >= 2 && nChapter > 0 && info.vecOrders.size() == (size_t)para.level &&
+        info.vecOrders.front() != nChapter) {
+      std::vector<int> vecOrders = info.vecOrders;
+      vecOrders.front() = nChapter;
+      Add(para, "1.3.11", info.text, Renumbered(info, vecOrders));
+    }
+    int& nLast = vecLast[para.level];
+    if (info.order == nLast + 1) {
+      nLast = info.order;
+    } else if (info.order > nLast + 1) {
+      Add(para, "1.3.1", info.text, WithLast(info, nLast + 1));
+      nLast = info.order;
+    } else {
+      Add(para, info.order == nLast ? "1.3.3" : "1.3.6", info.text, WithLast(info, nLast + 1));
+    }
+    for (int k = para.level + 1; k <= kMaxHeadingLevel; ++k) vecLast[k] = 0;
+    nPrevLevel = para.level;
+  }
+  return i;
+}
+
+void CSectionOrderCheck::CheckSeries(const _tParagraph& para, const _tSection_Info& info, _tSeries& series,
+                                     const char* szErrorId) {
+  const bool bTwoParts = info.vecOrders.size() >= 2;
+  const int nChapter = bTwoParts ? info.vecOrders.front() : 0;
+  if (bTwoParts && nChapter < series.nChapter) {
+    Add(para, "1.3.6", info.text, "");
+  } else if (bTwoParts && nChapter > series.nChapter) {
+    series.nChapter = nChapter;
+    series.nLast = 0;
+  }
+  if (info.order != series.nLast + 1) Add(para, szErrorId, info.text, WithLast(info, series.nLast + 1));
+  series.nLast = std::max(series.nLast, info.order);
+}
+
+void CSectionOrderCheck::CheckFigureTableOrder() {
+  _tSeries figures, tables;
+  for (const _tParagraph& para : m_parser.m_vecParagraph) {
+    if (para.level != kLevelFigureCaption && para.level != kLevelTableCaption) continue;
+    _tSection_Info info;
+    if (ExtractOrder(para.text, kOrderHeading, info) <= 0) continue;
+    if (para.level == kLevelFigureCaption)
+      CheckSeries(para, info, figures, "1.3.8");
+    else
+      CheckSeries(para, info, tables, "1.3.10");
+  }
+}
+
+void CSectionOrderCheck::CheckFormulaOrder() {
+  _tSeries formulas;
+  for (const _tParagraph& para : m_parser.m_vecParagraph) {
+    if (para.level != kLevelFormula) continue;
+    size_t nOpen = para.text.rfind('(');
+    _tSection_Info info;
+    if (ExtractOrder(nOpen == tstring::npos ? para.text : para.text.substr(nOpen), kOrderFormula, info) <= 0) continue;
+    CheckSeries(para, info, formulas, "1.3.6");
+  }
+}
+
+void CSectionOrderCheck::CheckReferenceOrder() {
+  _tSeries references;
+  const int nStart = std::max(m_parser.m_nReferenceStartIndex, 0);
+  for (int i = nStart; i <= m_parser.m_nReferenceEndIndex && (size_t)i < m_parser.m_vecParagraph.size(); ++i) {
+    const _tParagraph& para = m_parser.m_vecParagraph[i];
+    _tSection_Info info;
+    if (ExtractOrder(para.text, kOrderHeading, info) <= 0 || info.prefix != "[") continue;
+    CheckSeries(para, info, references, "1.3.6");
+  }
+}
+
+void CSectionOrderCheck::CheckReference(const _tParagraph& para) {
+  if (para.text.empty() || para.level == kLevelTable || para.level == kLevelFigure) return;
+  // The caption of the list ("参考文献") is no entry.
+  if (para.text.size() < 16 && para.text.find('[') == tstring::npos) return;
+  if (!HasTypeCode(para.text)) Add(para, "1.4.1", "", "", 4);
+  if (!HasYear(para.text)) Add(para, "1.4.2", "", "", 4);
+}

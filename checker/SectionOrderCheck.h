@@ -1,0 +1,63 @@
+#pragma once
+// CSectionOrderCheck checks that the numbers of a document run in order:
+// chapters, sections within each chapter, figure and table captions,
+// formula indexes and references, plus the shape of each reference entry.
+//
+// Rules and the findings they raise (field 2, revise_type 1; org_str is the
+// number found, new_str the number expected, both as the text shows them):
+//   parts (chapters) 1, 2, 3 ...  a skipped number            "1.3.14"
+//                                 a number not above the last "1.3.15"
+//   sections within a chapter, per heading level, restarting under each
+//   higher heading:               a skipped number            "1.3.1"
+//                                 the previous number again   "1.3.3"
+//                                 a number below the previous "1.3.6"
+//                                 a level deeper by two       "1.3.5"
+//                                 "2.3" under chapter 3       "1.3.11"
+//   figures / tables: "图2-1" restarts at 1 in each chapter; one-part
+//   numbers run through the document. A skip or repeat "1.3.8" (figures) or
+//   "1.3.10" (tables); a chapter number below the previous one "1.3.6".
+//   formula indexes "(3-2)" as figures, and references [1], [2] ... in the
+//   order of the list: a skip, repeat or step back "1.3.6".
+// Reference entries (GB/T 7714): no document-type code such as [J], [M],
+// [C], [D], [S], [EB/OL] "1.4.1"; no year "1.4.2" (field 2, revise_type 4).
+#include <vector>
+
+#include "utility/SectionInfo.h"
+#include "utility/TString.h"
+
+class CDocxParser;
+class CCheckResult;
+struct _tParagraph;
+
+class CSectionOrderCheck {
+ public:
+  CSectionOrderCheck(CDocxParser& parser, CCheckResult& result) : m_parser(parser), m_result(result) {}
+
+  // Parts numbered from nFirst; sets orderNew of a part out of order to the
+  // number it should have.
+  void CheckPartOrder(std::vector<_tSection_Info>& vecParts, int nPartType, int nFirst);
+  // Every heading of the document, chapter by chapter.
+  void CheckSections();
+  // The headings from index nStart of the heading list up to the next
+  // chapter; returns the index the next call starts at.
+  size_t CheckSectionOrder(size_t nStart, int nLevel, const tstring& sChapId);
+  void CheckFigureTableOrder();
+  void CheckFormulaOrder();
+  void CheckReferenceOrder();
+  void CheckReference(const _tParagraph& para);
+
+ private:
+  // One numbered series: nChapter 0 for one-part numbers.
+  struct _tSeries {
+    int nChapter = 0, nLast = 0;
+  };
+  void CheckSeries(const _tParagraph& para, const _tSection_Info& info, _tSeries& series, const char* szErrorId);
+  void Add(const _tParagraph& para, const char* szErrorId, const tstring& sOrg, const tstring& sNew,
+           int nReviseType = 1);
+  const _tParagraph* ParagraphWithId(uint32_t nParaId) const;
+  // The chapter number in force at a paragraph index; 0 before the first.
+  int ChapterAt(size_t nIndex) const;
+
+  CDocxParser& m_parser;
+  CCheckResult& m_result;
+};
