@@ -74,14 +74,20 @@ const char* CReportChecker::ExtractKnowledge(int nType, int /*nResultFormat*/) {
   return nullptr;
 }
 
-int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int /*nTemplateID*/) {
+int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int nTemplateID) {
   std::unique_ptr<CCheckResult> pCheckResult(new CCheckResult);
   if (pCheckResult->Import(sReviseXMLFile) != 1) {
     SetLastError(tstring("Failed reading file ") + (sReviseXMLFile ? sReviseXMLFile : ""));
     return -1;
   }
   m_pCheckResult = std::move(pCheckResult);
-  return ServiceMissing("the format re-check (CDocFormatCheck::ReCheck)", -1);
+  m_pDocxParser.reset(new CDocxParser);
+  // The structure file sits beside the document the result was made for.
+  tstring sStructure = m_pCheckResult->m_sPath + "/../" + m_pCheckResult->m_sFilename + ".xml";
+  if (m_pDocxParser->LoadDocResult(GetAnsiFilename(sStructure.c_str()).c_str()) == 0) return -1;
+  for (const char* szErrorId : {"1.1.1", "1.1.2", "1.1.3"}) m_pCheckResult->Remove(szErrorId);
+  if (!g_pDocFormatChecker) return ServiceMissing("the format re-check (format checking is switched off)", -1);
+  return g_pDocFormatChecker->ReCheck(m_pDocxParser.get(), m_pCheckResult.get(), nTemplateID);
 }
 
 const char* CReportChecker::ReviseF(const char* sReviseXMLResult) {

@@ -219,6 +219,27 @@ TEST_F(InstanceTest, TemplateCallsReachTheStore) {
   EXPECT_EQ(TARVOS_GetTemplateCount(), 0);
 }
 
+TEST_F(InstanceTest, AFormatReCheckUsesTheChosenTemplate) {
+  std::string sSample = m_data.Root() + "/sample.docx", sDoc = m_data.Root() + "/doc.docx";
+  auto fnHeading = [](const char* szFont) {
+    return Para(TextRun("第一章 绪论", std::string("<w:rFonts w:eastAsia=\"") + szFont + "\"/>"),
+                "<w:outlineLvl w:val=\"0\"/>");
+  };
+  ASSERT_TRUE(WriteDocx(sSample, fnHeading("黑体")));
+  ASSERT_TRUE(WriteDocx(sDoc, fnHeading("楷体")));
+  ASSERT_EQ(TARVOS_ImportTemplate(sSample.c_str(), 5, "*", "*", "*"), 0);
+  const char* sXmlPath = TARVOS_CheckReportF(sDoc.c_str(), "", "", 5, 0, false, 0);
+  ASSERT_NE(sXmlPath, nullptr) << TARVOS_GetLastErrorMsg();
+  std::string sChecked = sXmlPath;
+  ASSERT_NE(ReadWholeFile(sChecked).find(">1.1.1<"), std::string::npos) << "the wrong font";
+  ASSERT_NE(TARVOS_ImportDoc(sDoc.c_str(), "", 0), nullptr) << "the structure file a re-check reads";
+  const char* sReChecked = TARVOS_ReCheckFormat(sChecked.c_str(), 0, 0, 0);
+  ASSERT_NE(sReChecked, nullptr) << TARVOS_GetLastErrorMsg();
+  std::string sXml = ReadWholeFile(sReChecked);
+  EXPECT_NE(sXml.find(">1.1.1<"), std::string::npos);
+  EXPECT_NE(sXml.find("<TotalCount>1</TotalCount>"), std::string::npos) << "found once, not once per run";
+}
+
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {
   const char* sError = TARVOS_ShowHtmlError("missing_Check.xml", 0);
   ASSERT_NE(sError, nullptr);
