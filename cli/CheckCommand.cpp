@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "api/Globals.h"
+#include "cli/DataDir.h"
 #include "checker/CheckResult.h"
 #include "checker/ReportChecker.h"
 #include "docx/DocxParser.h"
@@ -55,24 +56,30 @@ void PrintSummary(const std::string& sFile, const std::string& sResultFile, CRep
   s << "  result: " << sResultFile << "\n";
 }
 
+// With a chosen template the check runs as usual, writing XML, and its
+// format findings are then made again against that template.
+const char* CheckOne(const std::string& sFile, const _tCheckOptions& options) {
+  const int nFormat = options.json ? 1 : 0;
+  if (options.templateId < 0)
+    return TARVOS_CheckReportF(sFile.c_str(), "", options.organization.c_str(), options.type, nFormat, false, 0);
+  const char* sResult = TARVOS_CheckReportF(sFile.c_str(), "", options.organization.c_str(), options.type, 0, false, 0);
+  if (sResult == nullptr) return nullptr;
+  std::string sChecked = sResult;
+  if (TARVOS_ImportDoc(sFile.c_str(), "", 0) == nullptr) return nullptr;
+  return TARVOS_ReCheckFormat(sChecked.c_str(), options.templateId, nFormat, 0);
+}
+
 }  // namespace
 
 int RunCheck(const std::string& sDataDir, const _tCheckOptions& options, std::ostream& out, std::ostream& err) {
-  int nStatus = TARVOS_Init(sDataDir.c_str());
-  if (nStatus != 1) {
-    err << "tarvos: the engine did not start on " << sDataDir << " (status " << nStatus << "): " << TARVOS_GetLastErrorMsg()
-        << "\n";
-    TARVOS_Exit();
-    return 1;
-  }
+  if (!StartEngine(sDataDir, err)) return 1;
   std::vector<std::string> vecFiles = ExpandInputs(options.inputs);
   std::ostream& summary = options.json ? err : out;
   int nFailed = 0;
   for (size_t i = 0; i < vecFiles.size(); ++i) {
     const std::string& sFile = vecFiles[i];
     if (vecFiles.size() > 1) err << "[" << i + 1 << "/" << vecFiles.size() << "] " << sFile << "\n";
-    const char* sResult = TARVOS_CheckReportF(sFile.c_str(), "", options.organization.c_str(), options.type,
-                                              options.json ? 1 : 0, false, 0);
+    const char* sResult = CheckOne(sFile, options);
     if (sResult == nullptr) {
       err << "tarvos: " << sFile << ": " << TARVOS_GetLastErrorMsg() << "\n";
       ++nFailed;

@@ -8,6 +8,7 @@ struct _tCheckOptions {
   std::vector<std::string> inputs;  // files and folders
   int type = 1;                     // report type
   std::string organization;
+  int templateId = -1;              // re-check the format with this template
   bool json = false;                // JSON results on standard output, summaries on standard error
 };
 

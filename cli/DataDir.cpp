@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "tarvos.h"
 #include "utility/FileUtil.h"
 
 std::string ChooseDataDir(const std::string& sOption) {
@@ -10,4 +11,13 @@ std::string ChooseDataDir(const std::string& sOption) {
   if (sEnv != nullptr && *sEnv != '\0') return sEnv;
   if (IsReadableDirectory(std::string(TARVOS_BUILD_DATA_DIR) + "/Data")) return TARVOS_BUILD_DATA_DIR;
   return TARVOS_INSTALL_DATA_DIR;
+}
+
+bool StartEngine(const std::string& sDataDir, std::ostream& err) {
+  int nStatus = TARVOS_Init(sDataDir.c_str());
+  if (nStatus == 1) return true;
+  err << "tarvos: the engine did not start on " << sDataDir << " (status " << nStatus << "): " << TARVOS_GetLastErrorMsg()
+      << "\n";
+  TARVOS_Exit();
+  return false;
 }

@@ -1,7 +1,12 @@
 #pragma once
 // Where the command-line tool finds its data directory.
+#include <ostream>
 #include <string>
 
 // --data when given, else $TARVOS_DATA, else the data directory of the build
 // tree when it exists, else the installed one.
 std::string ChooseDataDir(const std::string& sOption);
+
+// Starts the engine on a data directory; on failure says why on err, shuts
+// it down again and returns false.
+bool StartEngine(const std::string& sDataDir, std::ostream& err);

@@ -3,6 +3,7 @@
 #include <iomanip>
 
 #include "api/Globals.h"
+#include "checker/DocFormatCheck.h"
 #include "checker/ID2Message.h"
 #include "rules/ZYGManager.h"
 #include "tarvos.h"
@@ -44,7 +45,8 @@ void PrintServices(std::ostream& out) {
                                                " document types"
                                          : "absent");
   Row(out, "keyword scanner", g_bFilteringCheck ? "started" : "off");
-  Row(out, "format checker", g_pDocFormatChecker ? "started" : "off");
+  Row(out, "format checker",
+      g_pDocFormatChecker ? "started, " + std::to_string(g_pDocFormatChecker->GetTemplateCount()) + " templates" : "off");
   Row(out, "font-size table", g_pNum2FontSize ? std::to_string(g_pNum2FontSize->GetCount()) + " sizes"
                                               : "off");
   Row(out, "message catalogue", std::to_string(g_pError2Message->GetMessages().size()) + " messages");

@@ -8,6 +8,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
 #include "cli/StructCommand.h"
+#include "cli/TemplateCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"Tarvos checks Chinese reports, theses and contracts against their templates and rules."};
@@ -40,13 +41,45 @@ int main(int argc, char** argv) {
   pCheck->add_option("--org", check.organization, "organisation whose template applies");
   pCheck->add_option("--format", sFormat, "xml or json (json: results on standard output, summaries on standard error)")
       ->check(CLI::IsMember({"xml", "json"}));
+  pCheck->add_option("--template", check.templateId, "re-check the format against this template id");
   pCheck->add_option("--data", sData, "data directory");
+
+  _tTemplateOptions tpl;
+  CLI::App* pTemplate = app.add_subcommand("template", "import, list, show, find and delete format templates");
+  pTemplate->require_subcommand(1);
+  pTemplate->add_option("--data", sData, "data directory");
+  auto fnKeys = [&](CLI::App* pSub) {
+    pSub->add_option("--org", tpl.organization, "organisation (default *)");
+    pSub->add_option("--area", tpl.area, "area (default *)");
+    pSub->add_option("--arg", tpl.argument, "argument (default *)");
+    pSub->add_option("--data", sData, "data directory");
+  };
+  CLI::App* pImport = pTemplate->add_subcommand("import", "learn a template from a sample DOCX");
+  pImport->add_option("file", tpl.file, "the sample document")->required();
+  pImport->add_option("--type", tpl.type, "report type")->required();
+  fnKeys(pImport);
+  CLI::App* pList = pTemplate->add_subcommand("list", "the arguments and areas on file for a type and organisation");
+  pList->add_option("--type", tpl.type, "report type (default: every type)");
+  pList->add_option("--org", tpl.organization, "organisation (default *)");
+  pList->add_option("--data", sData, "data directory");
+  CLI::App* pFind = pTemplate->add_subcommand("find", "the template a document of these keys would get");
+  pFind->add_option("--type", tpl.type, "report type")->required();
+  fnKeys(pFind);
+  for (const char* szAction : {"show", "delete"}) {
+    CLI::App* pSub = pTemplate->add_subcommand(szAction, std::string(szAction) + " a template by id");
+    pSub->add_option("id", tpl.id, "template id")->required();
+    pSub->add_option("--data", sData, "data directory");
+  }
 
   CLI11_PARSE(app, argc, argv);
 
   if (pCheck->parsed()) {
     check.json = sFormat == "json";
     return RunCheck(ChooseDataDir(sData), check, std::cout, std::cerr);
+  }
+  if (pTemplate->parsed()) {
+    tpl.action = pTemplate->get_subcommands().front()->get_name();
+    return RunTemplate(ChooseDataDir(sData), tpl, std::cout, std::cerr);
   }
   if (pStruct->parsed()) return RunStruct(ChooseDataDir(sData), sFile, bJson, std::cout, std::cerr);
   if (pInfo->parsed()) return RunInfo(ChooseDataDir(sData), std::cout, std::cerr);
