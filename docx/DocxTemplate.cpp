@@ -172,7 +172,7 @@ void CDocxTemplate::Indexing() {
     if (t.reportType >= 0 && t.reportType < kTypeLists) fnAppend(t.reportType, (int32_t)i);
     if (t.organization_id >= 0) fnAppend(kTypeLists + t.organization_id, (int32_t)i);
     if (t.argu_id >= 0) fnAppend(kTypeLists + nTerms + t.argu_id, (int32_t)i);
-    if (t.area_id >= 0 && t.area_id != t.argu_id) fnAppend(kTypeLists + nTerms + t.area_id, (int32_t)i);
+    if (t.area_id >= 0) fnAppend(kTypeLists + nTerms + t.area_id, (int32_t)i);
   }
   // The pool is not emptied: earlier ranges stay in it, unreferenced.
   m_pInvertList.clear();

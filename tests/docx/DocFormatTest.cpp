@@ -7,7 +7,9 @@
 
 #include "DocxFixture.h"
 #include "TestDataDir.h"
+#include "checker/CheckResult.h"
 #include "docx/DocFormat.h"
+#include "docx/DocxParser.h"
 
 namespace fs = std::filesystem;
 
@@ -122,6 +124,36 @@ TEST_F(DocFormatTest, CorpusTemplatesRoundTrip) {
     ++nDocuments;
   }
   if (nDocuments == 0) GTEST_SKIP() << "no corpus at " << TARVOS_CORPUS_DIR;
+}
+
+// A document checked against the template learned from itself has no wrong
+// font, size or spacing in its body paragraphs.
+TEST_F(DocFormatTest, CorpusDocumentsFitTheirOwnTemplate) {
+  std::error_code ec;
+  size_t nDocuments = 0, nCompared = 0;
+  for (const auto& entry : fs::recursive_directory_iterator(TARVOS_CORPUS_DIR, ec)) {
+    if (entry.path().extension() != ".docx") continue;
+    std::string sCopy = m_dir.Path() + "/" + entry.path().filename().string();
+    fs::copy_file(entry.path(), sCopy, fs::copy_options::overwrite_existing);
+    std::string sText;
+    CDocFormat learnt;
+    ASSERT_EQ(learnt.GenerateDocFormat(2, "*", "*", "*", sCopy.c_str(), m_mapLevelId2Type, sText), 1) << sCopy;
+    CDocFormat format;
+    format.Import(sText.data(), sText.data() + sText.size(), m_mapType2LevelId);
+    CDocxParser parser;
+    ASSERT_EQ(parser.ReadDocx(sCopy.c_str()), 1) << sCopy;
+    parser.ParseStruct(2, nullptr, true);
+    CCheckResult result;
+    for (_tParagraph& para : parser.m_vecParagraph) format.CheckFormatOnParagraph(para, &result);
+    for (const _tCheckResult& finding : result.GetFindings())
+      EXPECT_TRUE(finding.error_id != "1.1.1" && finding.error_id != "1.1.2" && finding.error_id != "1.1.3")
+          << sCopy << ": " << finding.error_id << " " << finding.org_str << " -> " << finding.new_str << " in "
+          << finding.text.substr(0, 60);
+    nCompared += parser.m_vecParagraph.size();
+    ++nDocuments;
+  }
+  if (nDocuments == 0) GTEST_SKIP() << "no corpus at " << TARVOS_CORPUS_DIR;
+  printf("%zu documents, %zu paragraphs checked against their own templates\n", nDocuments, nCompared);
 }
 
 }  // namespace

@@ -2,7 +2,11 @@
 // compaction, the wildcard search and the listing of arguments and areas.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <fstream>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "DocxFixture.h"
 #include "TestDataDir.h"
@@ -122,6 +126,100 @@ TEST_F(DocxTemplateTest, ListGivesDistinctArgumentsAndAreasInOrder) {
                "\r\n  ],\"AreaCount\": 2,\r\n  \"AreaList\": [\r\n    {\"area\": \"北京\"},\r\n    {\"area\": \"上海\"}\r\n  ]\r\n}");
   EXPECT_NE(std::string(store.GetTemplateList(-1, "甲大学")).find("广州"), std::string::npos) << "every type";
   EXPECT_NE(std::string(store.GetTemplateList(1, "无名")).find("\"ArguCount\": 0"), std::string::npos);
+}
+
+// Reads little-endian fields one after another from a byte string.
+class CFields {
+ public:
+  explicit CFields(std::string sBytes) : m_sBytes(std::move(sBytes)) {}
+  template <class T>
+  T Next() {
+    T value{};
+    if (m_nAt + sizeof(T) <= m_sBytes.size()) memcpy(&value, m_sBytes.data() + m_nAt, sizeof(T));
+    m_nAt += sizeof(T);
+    return value;
+  }
+  size_t At() const { return m_nAt; }
+
+ private:
+  std::string m_sBytes;
+  size_t m_nAt = 0;
+};
+
+TEST_F(DocxTemplateTest, TheIndexFileHasItsExactLayout) {
+  CDocxTemplate store(m_dir.Path().c_str());
+  store.ImportTemplate(1, "甲", "*", "本科", m_sSample.c_str());
+  store.ImportTemplate(2, "乙", "北京", "*", m_sSample.c_str());
+  store.ImportTemplate(1, "甲", "*", "硕士", m_sSample.c_str());
+  ASSERT_EQ(store.Save(), 1);
+  const std::string sDir = m_dir.Path() + "/data/template/";
+  const uint64_t nTextSize = ReadWholeFile(sDir + "docTemplate.dat").size() / 3;
+  CFields index(ReadWholeFile(sDir + "docTemplate.index"));
+  ASSERT_EQ(index.Next<uint64_t>(), 3u);
+  // Keys go to the dictionary as organisation, argument, area: 甲 0, 本科 1,
+  // * 2, 乙 3, 北京 4, 硕士 5.
+  const struct { int32_t nType, nOrg, nArea, nArgu; } kRecords[] = {{1, 0, 2, 1}, {2, 3, 4, 2}, {1, 0, 2, 5}};
+  for (int i = 0; i < 3; ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(index.Next<int32_t>(), kRecords[i].nType);
+    EXPECT_EQ(index.Next<int32_t>(), 0) << "padding";
+    EXPECT_EQ(index.Next<uint64_t>(), i * nTextSize) << "offset";
+    EXPECT_EQ(index.Next<uint64_t>(), nTextSize) << "size";
+    EXPECT_GT(index.Next<int64_t>(), 1700000000) << "insert time";
+    EXPECT_EQ(index.Next<int32_t>(), kRecords[i].nOrg);
+    EXPECT_EQ(index.Next<int32_t>(), kRecords[i].nArea);
+    EXPECT_EQ(index.Next<int32_t>(), kRecords[i].nArgu);
+    EXPECT_EQ(index.Next<int32_t>(), 0) << "padding";
+  }
+  EXPECT_EQ(index.At(), 8u + 3 * 48);
+  const uint64_t nLists = index.Next<uint64_t>();
+  ASSERT_EQ(nLists, (6u + 10) * 2);
+  // Non-empty lists: type 1, type 2, 甲, 乙, then (20 + 6 +) 本科, *, 北京, 硕士.
+  const std::map<uint64_t, std::vector<int32_t>> kWant = {
+      {1, {0, 2}}, {2, {1}}, {20, {0, 2}}, {23, {1}}, {27, {0}}, {28, {0, 1, 2}}, {30, {1}}, {31, {2}}};
+  std::vector<std::pair<int32_t, int32_t>> vecRanges;
+  for (uint64_t i = 0; i < nLists; ++i) {
+    const uint64_t nDf = index.Next<uint64_t>();
+    const int32_t nStart = index.Next<int32_t>(), nEnd = index.Next<int32_t>();
+    auto it = kWant.find(i);
+    EXPECT_EQ(nDf, it == kWant.end() ? 0u : it->second.size()) << "list " << i;
+    vecRanges.emplace_back(nStart, nEnd);
+  }
+  const int32_t nPool = index.Next<int32_t>();
+  EXPECT_EQ(nPool, 12) << "every list once, in list order";
+  std::vector<int32_t> vecPool;
+  for (int32_t i = 0; i < nPool; ++i) vecPool.push_back(index.Next<int32_t>());
+  for (const auto& want : kWant) {
+    const auto& range = vecRanges[want.first];
+    ASSERT_TRUE(range.first >= 0 && range.second <= nPool && range.first <= range.second) << want.first;
+    EXPECT_EQ(std::vector<int32_t>(vecPool.begin() + range.first, vecPool.begin() + range.second), want.second)
+        << "list " << want.first;
+  }
+  const uint64_t nStrings = index.Next<uint64_t>();
+  EXPECT_EQ(index.At() + nStrings, ReadWholeFile(sDir + "docTemplate.index").size()) << "the string pool ends the file";
+}
+
+TEST_F(DocxTemplateTest, ALeftoverFromAnInterruptedCompactionDoesNoHarm) {
+  std::string sText;
+  {
+    CDocxTemplate store(m_dir.Path().c_str());
+    store.ImportTemplate(1, "甲", "*", "本科", m_sSample.c_str());
+    store.ImportTemplate(1, "乙", "*", "本科", m_sSample.c_str());
+    store.Save();
+    sText = store.GetTemplate(1);
+  }
+  // A crash while the compacted copy was written leaves it half done.
+  const std::string sDir = m_dir.Path() + "/data/template/";
+  std::ofstream(sDir + "docTemplate2.dat", std::ios::binary) << "<DocTemplate><DocFor";
+  CDocxTemplate store(m_dir.Path().c_str());
+  ASSERT_EQ(store.GetCount(), 2u);
+  EXPECT_EQ(std::string(store.GetTemplate(1)), sText);
+  EXPECT_EQ(store.DeleteTemplate(0), 0);
+  EXPECT_EQ(store.EditTemplate(0, 1, "乙", "*", "硕士", nullptr), 0) << "compacts again";
+  CDocxTemplate reopened(m_dir.Path().c_str());
+  ASSERT_EQ(reopened.GetCount(), 1u);
+  std::string sAfter = reopened.GetTemplate(0);
+  EXPECT_EQ(sAfter.substr(sAfter.find("\"zyg_format\"")), sText.substr(sText.find("\"zyg_format\"")));
 }
 
 }  // namespace
