@@ -52,3 +52,7 @@ awk -v ours="$ours" '/^python-docx/ {printf "speed-up over python-docx: %.1fx (r
 echo
 echo "== findings and a whole check"
 "$build/bench/tarvos_bench_result" "$build/data" "$work/report.docx" "$work"
+
+echo
+echo "== format check against the parse of the same report"
+"$build/bench/tarvos_bench_format" "$build/data" "$work/report.docx" 1
