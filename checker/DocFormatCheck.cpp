@@ -7,6 +7,7 @@
 #include "checker/SectionOrderCheck.h"
 #include "docx/DocFormat.h"
 #include "docx/DocxParser.h"
+#include "docx/PaperStructure.h"
 #include "utility/ErrorLog.h"
 #include "utility/NumberOrder.h"
 #include "utility/Utf8.h"
@@ -50,6 +51,7 @@ int CDocFormatCheck::Check(CDocxParser* pDocxParser, CCheckResult* pCheckResult,
   order.CheckSections();
   CheckFigureTablePosition();
   order.CheckFigureTableOrder();
+  if (CPaperStructure::IsThesis(nReportType)) CPaperStructure::CheckParts(*pDocxParser, *pCheckResult);
   if (nReportType == 6 || nReportType == 7) {
     order.CheckFormulaOrder();
     order.CheckReferenceOrder();

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "docx/PaperStructure.h"
 #include "docx/StructureReader.h"
 #include "docx/StructureWriter.h"
 #include "docx/XmlScan.h"
@@ -210,6 +211,7 @@ int CDocxParser::ParseStruct(int nDocType, const char* sURLPrefix, bool bHtmlNee
     return -1;
   }
   ScanBody(pBody, pEnd);
+  if (CPaperStructure::IsThesis(nDocType)) CPaperStructure::Classify(m_vecParagraph);
   BuildIndexes(true);
   return (int)m_vecParagraph.size();
 }
