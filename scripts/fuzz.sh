@@ -21,6 +21,13 @@ for target in "$build"/fuzz/*Fuzzer; do
       { printf '\001'; unzip -p "$doc" word/document.xml 2>/dev/null | head -c 60000; } > "$corpus/$base.xml"
     done
   fi
+  # The format check starts from their bodies, read as theses (type 4).
+  if [ "$name" = FormatCheckFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
+    for doc in ../shared/corpus/real/zh/*.docx; do
+      [ -f "$doc" ] || continue
+      { printf '\004'; unzip -p "$doc" word/document.xml 2>/dev/null | head -c 60000; } > "$corpus/$(basename "$doc" .docx).xml"
+    done
+  fi
   if "$target" "$corpus" -max_total_time="$seconds" -rss_limit_mb=2048 -max_len=65536 \
        -artifact_prefix="$out/$name-" -print_final_stats=0 > "$build/fuzz/$name.log" 2>&1; then
     echo "fuzz: $name ok ($(grep -c . "$build/fuzz/$name.log") log lines)"
