@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Writes the sample documents the default format templates are learned from.
 
-thesis.docx  a thesis: chapters 黑体 三号, sections 黑体 四号, subsections 黑体
-             小四, captions 宋体 五号, all at 1.5 line spacing; required texts
-             摘要, 关键词, 参考文献 and 致谢.
+thesis.docx  a thesis: abstracts with keywords, chapters 黑体 三号, sections 黑体
+             四号, subsections 黑体 小四, captions 宋体 五号, references and
+             acknowledgements, all at 1.5 line spacing; required texts 摘要,
+             关键词, 参考文献 and 致谢.
 report.docx  a general report: chapters 黑体 三号, sections 黑体 四号,
              subsections 黑体 小四, captions 宋体 五号, 1.5 line spacing;
              required text 结论.
@@ -76,8 +77,14 @@ def chapters(names):
 
 def thesis():
     parts = [body("KKK摘要GGG"), body("KKK关键词GGG"), body("KKK参考文献GGG"), body("KKK致谢GGG")]
+    parts += [heading(1, "摘  要"), body("本文研究文档格式检查的方法与实现。"), body("关键词：格式检查；模板"),
+              heading(1, "ABSTRACT"), body("This thesis studies the checking of document formats."),
+              body("Key words: format check; template")]
     parts += chapters([("绪论", ["研究背景", "研究内容"]), ("相关理论", ["基本概念", "研究现状"]),
                        ("方法设计", ["总体框架", "实现细节"]), ("结论", ["工作总结", "研究展望"])])
+    parts += [heading(1, "参考文献"), body("[1] 张三. 文档格式检查方法[J]. 计算机学报, 2020, 43(2): 1-10."),
+              body("[2] 李四. 论文写作规范[M]. 北京: 科学出版社, 2019."), heading(1, "致  谢"),
+              body("感谢导师的悉心指导。")]
     return parts
 
 
