@@ -245,7 +245,12 @@ std::vector<CCheckResult::_tScoreLine> CCheckResult::ScoreLines(double& fTotalSc
 
 // The template the document was checked against: organisation, area,
 // argument. Empty until templates are chosen for documents.
-tstring CCheckResult::TemplateValue(int) const { return ""; }
+tstring CCheckResult::TemplateValue(int nWhich) const {
+  if (m_pDocParser == nullptr) return "";
+  tstring sValues[3];
+  m_pDocParser->GetOrgType(m_nReportType, sValues[0], sValues[1], sValues[2]);
+  return nWhich >= 0 && nWhich < 3 ? sValues[nWhich] : "";
+}
 
 const char* CCheckResult::GetResult(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
                                     CDocxParser* pParser) {

@@ -143,6 +143,8 @@ TEST_F(InstanceTest, ChecksRunEndToEndInEveryResultFormat) {
   std::string sXml = ReadWholeFile(sXmlPath);
   EXPECT_EQ(sXml.rfind("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<TARVOS>\n<CheckResults>\r\n", 0), 0u);
   EXPECT_NE(sXml.find(">1.6<"), std::string::npos) << "a heading but no table of contents";
+  EXPECT_NE(sXml.find("<template_organization>*</template_organization>\r\n<template_area>*</template_area>"),
+            std::string::npos) << "the keys the template was chosen by";
   EXPECT_EQ(sXml.find("<TotalScore>100.00</TotalScore>"), std::string::npos);
 
   const char* sJson = TARVOS_CheckReportF(sDoc.c_str(), "", "", 1, 1, false, 0);
