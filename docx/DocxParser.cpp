@@ -10,6 +10,8 @@
 #include <fstream>
 #include <sstream>
 
+#include <json/json.h>
+
 #include "docx/PaperStructure.h"
 #include "docx/StructureReader.h"
 #include "docx/StructureWriter.h"
@@ -869,8 +871,15 @@ size_t CDocxParser::InputXMLData(const tstring& sXml) {
 }
 
 const char* CDocxParser::GetCurTemplateInfo() {
-  ServiceMissing("template information (CDocxParser::GetCurTemplateInfo)");
-  return nullptr;
+  tstring sOrganization, sArea, sArgument;
+  GetOrgType(m_nDocType, sOrganization, sArea, sArgument);
+  Json::Value root(Json::objectValue);
+  root["docReportType"] = m_nDocType;
+  root["zyg_organization"] = sOrganization;
+  root["zyg_area"] = sArea;
+  root["zyg_argument"] = sArgument;
+  m_sResult = root.toStyledString();
+  return m_sResult.c_str();
 }
 
 void CDocxParser::GetOrgType(int /*nReportType*/, tstring& sOrganization, tstring& sArea, tstring& sArgument) const {

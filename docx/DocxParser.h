@@ -76,6 +76,8 @@ class CDocxParser {
   tstring Doc2Docx(const char* sFilename);
 
   // The template chosen for the document; null before one was chosen.
+  // The template keys of the current document as JSON; valid until the next
+  // call that returns text.
   const char* GetCurTemplateInfo();
   // The keys a template is chosen by: the organisation handed to the check
   // ("*" when none) and "*" for area and argument.

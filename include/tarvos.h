@@ -181,7 +181,9 @@ TARVOS_API const char* TARVOS_ShowHtmlError(const char* sReviseXMLFile, int hand
 TARVOS_API const char* TARVOS_ReCheckFormat(const char* sCheckXML, int nTemplateID,
                                             int nResultFormat, int handle);
 
-/* Describes the template chosen for the instance's document.
+/* Describes the template chosen for the instance's document: a JSON object
+   with "docReportType", "zyg_organization", "zyg_area" and "zyg_argument",
+   the keys the format check looks the template up by.
    Owner: instance (INSTANCE). NULL on failure. */
 TARVOS_API const char* TARVOS_GetCurTemplateInfo(int handle);
 

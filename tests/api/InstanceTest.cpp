@@ -145,6 +145,10 @@ TEST_F(InstanceTest, ChecksRunEndToEndInEveryResultFormat) {
   EXPECT_NE(sXml.find(">1.6<"), std::string::npos) << "a heading but no table of contents";
   EXPECT_NE(sXml.find("<template_organization>*</template_organization>\r\n<template_area>*</template_area>"),
             std::string::npos) << "the keys the template was chosen by";
+  const char* sInfo = TARVOS_GetCurTemplateInfo(0);
+  ASSERT_NE(sInfo, nullptr);
+  EXPECT_NE(std::string(sInfo).find("\"zyg_organization\" : \"*\""), std::string::npos) << sInfo;
+  EXPECT_NE(std::string(sInfo).find("\"docReportType\" : 1"), std::string::npos) << sInfo;
   EXPECT_EQ(sXml.find("<TotalScore>100.00</TotalScore>"), std::string::npos);
 
   const char* sJson = TARVOS_CheckReportF(sDoc.c_str(), "", "", 1, 1, false, 0);
