@@ -63,8 +63,9 @@ int CDocFormatCheck::Check(CDocxParser* pDocxParser, CCheckResult* pCheckResult,
   m_pDocTemplate->FindTemplate(nReportType, sOrg.c_str(), sArea.c_str(), sArgu.c_str(), docFormat);
   tstring sKeys = "organization=" + sOrg + "  and area=" + sArea + "  and argument=" + sArgu;
   if (docFormat.IsEmpty()) {
-    SetLastError("Cannot find right template with " + sKeys);
-    WriteError("Cannot find right template with " + sKeys);
+    const tstring sError = "Cannot find right template with " + sKeys;
+    SetLastError(sError);
+    WriteError(sError);
     return -2;
   }
   WriteLog("Find and use template with " + sKeys);
@@ -150,11 +151,10 @@ void CDocFormatCheck::ScanChapter() {
     if (info.error_id == "1.3.7") continue;
     const int nChapter = info.orderNew != 0 ? info.orderNew : info.order;
     if (nChapter <= 0) continue;
-    int nIndex = 0;
-    for (int i : m_pDocxParser->m_vecDocStruct)
-      if ((size_t)i < m_pDocxParser->m_vecParagraph.size() && m_pDocxParser->m_vecParagraph[i].id == info.para_id) nIndex = i;
+    _tParaIndex index;
+    m_pDocxParser->GetParaIndex(info.para_id, index);
     m_pDocxParser->m_vecChapterId.push_back(nChapter);
-    m_pDocxParser->m_vecChapterParaIndex.push_back(nIndex);
+    m_pDocxParser->m_vecChapterParaIndex.push_back((int)index.para_index);
     m_vecSectionPosition.emplace_back(1, nChapter, info.para_id, std::to_string(nChapter));
   }
 }

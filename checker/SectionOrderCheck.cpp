@@ -74,9 +74,9 @@ void CSectionOrderCheck::Add(const _tParagraph& para, const char* szErrorId, con
 }
 
 const _tParagraph* CSectionOrderCheck::ParagraphWithId(uint32_t nParaId) const {
-  for (const _tParagraph& para : m_parser.m_vecParagraph)
-    if (para.id == nParaId) return &para;
-  return nullptr;
+  _tParaIndex index;
+  if (!m_parser.GetParaIndex(nParaId, index) || index.table_index >= 0) return nullptr;
+  return &m_parser.m_vecParagraph[index.para_index];
 }
 
 void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {

@@ -276,9 +276,8 @@ const _tFormat& CDocFormat::FormatOfLevel(int nLevel) const {
 }
 
 tstring CDocFormat::SizeName(int nHalfPoints) const {
-  if (m_pSizeNames) return m_pSizeNames->GetName(nHalfPoints);
-  CNum2FontSize names;
-  return names.GetName(nHalfPoints);
+  static const CNum2FontSize s_points;  // no table: sizes in points
+  return (m_pSizeNames ? *m_pSizeNames : s_points).GetName(nHalfPoints);
 }
 
 int CDocFormat::CheckFormatOnParagraph(_tParagraph& para, CCheckResult* pCheckResult) {

@@ -328,17 +328,8 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
     q = pRunEnd;
   }
   ParagraphPostProcess(para);
-  if (para.level == kLevelTextBox && (m_vecParagraph.empty() || m_vecParagraph.back().level != kLevelTextBox)) {
-    _tFigure figure;
-    figure.para_index = (int)m_vecParagraph.size();
-    figure.para_id = para.id;
-    m_vecFigure.push_back(figure);
-    _tParagraph placeholder = para;
-    placeholder.level = kLevelFigure;
-    placeholder.id = (uint32_t)(m_vecFigure.size() - 1);
-    m_vecParagraph.push_back(placeholder);
-    m_nFigureCaptionFilled = 0;
-  }
+  if (para.level == kLevelTextBox && (m_vecParagraph.empty() || m_vecParagraph.back().level != kLevelTextBox))
+    StoreFigure(_tFigure(), para);
 }
 
 // One pass over the tags of a run: texts, tabs, field codes and images in
@@ -392,11 +383,15 @@ void CDocxParser::AddFigure(_tParagraph& para, const tstring& sRelId) {
   // when their level is negative: kept as the model always had it.
   if (!para.text.empty() || para.level < 0) para.text += "(Figure " + std::to_string(m_vecFigure.size()) + ")";
   _tFigure figure;
-  figure.para_index = (int)m_vecParagraph.size();
-  figure.para_id = para.id;
   figure.figure_id = sRelId;
   auto it = m_mapId2Res.find(sRelId);
   if (it != m_mapId2Res.end()) figure.figure_file = it->second.file;
+  StoreFigure(figure, para);
+}
+
+void CDocxParser::StoreFigure(_tFigure figure, const _tParagraph& para) {
+  figure.para_index = (int)m_vecParagraph.size();
+  figure.para_id = para.id;
   m_vecFigure.push_back(figure);
   _tParagraph placeholder = para;
   placeholder.level = kLevelFigure;

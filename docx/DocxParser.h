@@ -151,6 +151,8 @@ class CDocxParser {
   void ExtractFont(const char* pStart, const char* pEnd, _tParagraph& para, const tstring& sStyleId, bool bInStyle);
   void ParagraphPostProcess(_tParagraph& para);
   void AddFigure(_tParagraph& para, const tstring& sRelId);
+  // Stores a figure of the paragraph and its placeholder before it.
+  void StoreFigure(_tFigure figure, const _tParagraph& para);
   void FindFigureCaption();
   const char* ExtractTable(const char* pStart, const char* pEnd);
   void ExtractStyles();

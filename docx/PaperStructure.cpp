@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <set>
 
 #include "checker/CheckResult.h"
 #include "docx/DocxParser.h"
@@ -103,11 +104,9 @@ void CPaperStructure::Classify(std::vector<_tParagraph>& vecParagraph) {
 }
 
 int CPaperStructure::CheckParts(const CDocxParser& parser, CCheckResult& result) {
-  auto fnHas = [&](int nLevel) {
-    for (const _tParagraph& para : parser.m_vecParagraph)
-      if (para.level == nLevel) return true;
-    return false;
-  };
+  std::set<int> setLevels;
+  for (const _tParagraph& para : parser.m_vecParagraph) setLevels.insert(para.level);
+  auto fnHas = [&](int nLevel) { return setLevels.count(nLevel) != 0; };
   const struct {
     const char* szErrorId;
     const char* szPart;
