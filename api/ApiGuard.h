@@ -45,7 +45,19 @@ inline const char* OrEmpty(const char* sText) { return sText ? sText : ""; }
 bool ArgGiven(const char* sFunction, const char* sArgument, const void* pValue);
 
 // The functions that hand out THREAD-lifetime texts, one copy each per thread.
-enum EThreadSlot { kSlotLastError, kSlotZYGLastError, kSlotHtmlError, kSlotCount };
+enum EThreadSlot {
+  kSlotLastError,
+  kSlotThreadLastError,
+  kSlotZYGLastError,
+  kSlotHtmlError,
+  kSlotTemplate,
+  kSlotTemplateJson,
+  kSlotTemplateList,
+  kSlotErrorInfo,
+  kSlotEngineInfo,
+  kSlotSegment,
+  kSlotCount
+};
 
 // A thread's own copy of a text, valid until the same slot is used again on
 // this thread.

@@ -21,7 +21,7 @@ bool Is(const tstring& sValue, const char* sWord) { return strcasecmp(sValue.c_s
 
 }  // namespace
 
-int LoadZYGConfigre(const char* sFilename) {
+int LoadZYGConfigre(const char* sFilename, _tCheckSwitches& switches) {
   tstring sName = sFilename ? sFilename : "";
   Json::Value root;
   if (!ReadJsonObjectFile(sName, root)) {
@@ -30,14 +30,14 @@ int LoadZYGConfigre(const char* sFilename) {
   }
   // Switches that default to on go off only by the exact word "off"; those
   // that default to off go on only by "on". Anything else keeps the default.
-  g_bPunctionCheck = Is(ReadSwitch(root, "PunctionCheck"), "off") ? 0 : 1;
-  g_bFormatCheck = Is(ReadSwitch(root, "FormatCheck"), "off") ? 0 : 1;
-  if (Is(ReadSwitch(root, "OCR"), "on")) g_bOCR = 1;
-  if (Is(ReadSwitch(root, "FilterCheck"), "on")) g_bFilteringCheck = 1;
+  switches.bPunctionCheck = !Is(ReadSwitch(root, "PunctionCheck"), "off");
+  switches.bFormatCheck = !Is(ReadSwitch(root, "FormatCheck"), "off");
+  if (Is(ReadSwitch(root, "OCR"), "on")) switches.bOCR = true;
+  if (Is(ReadSwitch(root, "FilterCheck"), "on")) switches.bFilteringCheck = true;
   if (Is(ReadSwitch(root, "SpellCheck"), "on")) {
-    g_bSpellingCheck = 1;
-    g_sSpellingHostIP = ReadSwitch(root, "SpellCheckIP");
+    switches.bSpellingCheck = true;
+    switches.sSpellingHostIP = ReadSwitch(root, "SpellCheckIP");
   }
-  if (Is(ReadSwitch(root, "CountryDetect"), "on")) g_bCountryDetect = 1;
+  if (Is(ReadSwitch(root, "CountryDetect"), "on")) switches.bCountryDetect = true;
   return 1;
 }

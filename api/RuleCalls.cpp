@@ -10,14 +10,19 @@
 
 namespace {
 
+// Every manager call may create a document type's processor and save the
+// manager's file, and texts are the manager's own: all run under the
+// engine's writer lock.
 template <class T, class F>
 T WithManager(const char* sFunction, T fail, F&& fn) noexcept {
   return ApiGuard<T>(sFunction, fail, [&](const char* sFn) -> T {
-    if (!g_pZYGManager) {
+    CZYGManager* pManager = g_pEngine ? g_pEngine->GetRuleManager() : nullptr;
+    if (pManager == nullptr) {
       SetLastError("g_pZYGManager not init!");
       return fail;
     }
-    return fn(*g_pZYGManager, sFn);
+    auto lock = g_pEngine->WriteLock();
+    return fn(*pManager, sFn);
   });
 }
 
@@ -84,14 +89,16 @@ extern "C" TARVOS_API const char* Audit_GetSysInfo(int type) {
   });
 }
 
-// The catalogue's JSON; the catalogue lives beside the manager.
+// The catalogue's JSON, a copy for the calling thread.
 extern "C" TARVOS_API const char* Audit_GetErrorInfo(void) {
-  return WithManager<const char*>(__func__, "", [](CZYGManager&, const char*) -> const char* {
-    if (!g_pError2Message) {
+  return ApiGuard<const char*>(__func__, "", [](const char*) -> const char* {
+    CID2Message* pMessages = g_pEngine ? g_pEngine->GetMessages() : nullptr;
+    if (pMessages == nullptr) {
       SetLastError("g_pError2Message not init!");
       return "";
     }
-    return g_pError2Message->Export2Json();
+    auto lock = g_pEngine->ReadLock();
+    return ThreadCopy(kSlotErrorInfo, pMessages->Export2Json());
   });
 }
 

@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <string>
 
+#include "docx/Document.h"
+#include "docx/DocxPackage.h"
 #include "docx/DocxParser.h"
 
 int main(int argc, char** argv) {
@@ -22,17 +24,18 @@ int main(int argc, char** argv) {
   size_t nParas = 0, nTables = 0, nFigures = 0;
   std::string sDocumentXml;
   for (int nRound = 0; nRound < 7; ++nRound) {
-    CDocxParser parser;
+    CDocxPackage package;
+    CDocument doc;
     auto t = std::chrono::steady_clock::now();
-    if (parser.ReadDocx(argv[1]) != 1 || parser.ParseStruct(0, "", true) < 0) {
+    if (package.ReadDocx(argv[1]) != 1 || CDocxParser().ParseStruct(package, 0, "", true, doc) < 0) {
       fprintf(stderr, "cannot read %s\n", argv[1]);
       return 1;
     }
     fBest = std::min(fBest, std::chrono::duration<double>(std::chrono::steady_clock::now() - t).count());
-    nParas = parser.m_vecParagraph.size();
-    nTables = parser.m_vecTable.size();
-    nFigures = parser.m_vecFigure.size();
-    sDocumentXml = parser.m_sPath + "/word/document.xml";
+    nParas = doc.m_vecParagraph.size();
+    nTables = doc.m_vecTable.size();
+    nFigures = doc.m_vecFigure.size();
+    sDocumentXml = doc.m_sPath + "/word/document.xml";
   }
   struct stat st;
   long nXmlKb = stat(sDocumentXml.c_str(), &st) == 0 ? (long)(st.st_size / 1024) : 0;

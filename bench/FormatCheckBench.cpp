@@ -11,7 +11,10 @@
 
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
+#include "docx/Document.h"
+#include "docx/DocxPackage.h"
 #include "docx/DocxParser.h"
+#include "utility/Num2FontSize.h"
 
 namespace {
 
@@ -27,7 +30,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   const int nType = argc > 3 ? atoi(argv[3]) : 1;
-  CDocFormatCheck checker(argv[1]);
+  CNum2FontSize sizes;
+  sizes.Import((std::string(argv[1]) + "/Data/Font/FontSize.dat").c_str());
+  CDocFormatCheck checker(argv[1], &sizes);
   if (checker.GetTemplateCount() == 0) {
     fprintf(stderr, "no template in %s\n", argv[1]);
     return 1;
@@ -35,19 +40,20 @@ int main(int argc, char** argv) {
   double fParse = 1e9, fCheck = 1e9;
   size_t nFindings = 0, nParas = 0;
   for (int nRound = 0; nRound < 7; ++nRound) {
-    CDocxParser parser;
+    CDocxPackage package;
+    CDocument doc;
     auto t = std::chrono::steady_clock::now();
-    if (parser.ReadDocx(argv[2]) != 1 || parser.ParseStruct(nType, "", true) < 0) {
+    if (package.ReadDocx(argv[2]) != 1 || CDocxParser().ParseStruct(package, nType, "", true, doc) < 0) {
       fprintf(stderr, "cannot read %s\n", argv[2]);
       return 1;
     }
     fParse = std::min(fParse, Since(t));
     CCheckResult result;
     t = std::chrono::steady_clock::now();
-    checker.Check(&parser, &result, nType);
+    checker.Check(doc, result, nType, _tTemplateKeys::ForOrganization(""));
     fCheck = std::min(fCheck, Since(t));
     nFindings = result.GetFindings().size();
-    nParas = parser.m_vecParagraph.size();
+    nParas = doc.m_vecParagraph.size();
   }
   printf("parse: %.2f ms (%zu paragraphs)\n", fParse * 1000, nParas);
   printf("format check: %.2f ms (%zu findings), %.2f of the parse time (limit 0.25)\n", fCheck * 1000, nFindings,

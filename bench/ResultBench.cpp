@@ -13,7 +13,9 @@
 #include "api/Globals.h"
 #include "checker/CheckResult.h"
 #include "checker/ID2Message.h"
-#include "docx/DocxParser.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
+#include "utility/lexical/Lexical.h"
 #include "tarvos.h"
 
 namespace {
@@ -43,7 +45,7 @@ int main(int argc, char** argv) {
   }
   const int kFindings = 100000;
   const char* kIds[] = {"1.1.1", "1.1.2", "1.5.2", "1.6", "12.1", "99.6"};
-  CCheckResult results;
+  CCheckResult results(g_pEngine->GetMessages());
   for (int i = 0; i < kFindings; ++i) {
     _tCheckResult r;
     r.para_id = (uint32_t)(i * 37);
@@ -70,9 +72,8 @@ int main(int argc, char** argv) {
          fImportXml * 1000, kFindings / fImportJson, fImportJson * 1000);
 
   double fParse = Best(3, [&] {
-    CDocxParser parser;
-    parser.ReadDocx(argv[2]);
-    parser.ParseStruct(0, "", true);
+    CDocument doc;
+    CDocImporter(QUENDA_Analyser().get()).ParseDocx(doc, argv[2], "", 0);
   });
   double fCheck = Best(3, [&] { TARVOS_CheckReportF(argv[2], "", "", 1, 0, false, 0); });
   printf("check: TARVOS_CheckReportF %.1f ms; reading the model alone (segmenter on) %.1f ms\n", fCheck * 1000,

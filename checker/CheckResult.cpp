@@ -4,16 +4,16 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <memory>
-#include <sstream>
+#include <tuple>
 #include <strings.h>
 
-#include "api/Globals.h"
 #include "checker/ID2Message.h"
-#include "docx/DocxParser.h"
+#include "docx/Document.h"
 #include "utility/DirBrowser.h"
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
+#include "utility/JsonText.h"
+#include "utility/XmlScan.h"
 #include "utility/Utf8.h"
 
 namespace {
@@ -95,15 +95,7 @@ bool UnquoteJson(const char* p, const char* pEnd, tstring& sValue) {
 // The item of a record before pEnd: the text of <sName>...</sName> (XML) or
 // the value of "sName": (JSON, a quoted string or a bare number).
 bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstring& sValue) {
-  if (!bJson) {
-    tstring sOpen = tstring("<") + sName + ">", sClose = tstring("</") + sName + ">";
-    const char* pOpen = static_cast<const char*>(memmem(p, (size_t)(pEnd - p), sOpen.data(), sOpen.size()));
-    if (pOpen == nullptr) return false;
-    const char* pStart = pOpen + sOpen.size();
-    const char* pClose = static_cast<const char*>(memmem(pStart, (size_t)(pEnd - pStart), sClose.data(), sClose.size()));
-    sValue.assign(pStart, pClose ? pClose : pEnd);
-    return true;
-  }
+  if (!bJson) return ElementText(p, pEnd, sName, sValue) != nullptr;
   // A key is a quoted name followed by ':'; the same text as a value is not one.
   tstring sKey = tstring("\"") + sName + "\"";
   const char* q = nullptr;
@@ -180,16 +172,25 @@ void CCheckResult::AddResult(_tCheckResult& result) {
   while (!s.empty() && (s.back() == ' ' || s.back() == '\r' || s.back() == '\t' || s.back() == '\n')) s.pop_back();
   if (s.empty() && result.field_id == 0) return;
   if (result.revise_type == 1 && !result.new_str.empty() && result.new_str == s) return;
-  if (result.error_msg.empty())
-    result.error_msg = g_pError2Message ? g_pError2Message->GetText(result.error_id.c_str())
-                                        : "Wrong text id " + result.error_id;
+  if (result.error_msg.empty()) result.error_msg = Message(result.error_id);
   m_vecResult.push_back(result);
   m_bSort = false;
 }
 
+tstring CCheckResult::Message(const tstring& sErrorId) const {
+  return m_pMessages ? tstring(m_pMessages->GetText(sErrorId.c_str())) : "Wrong text id " + sErrorId;
+}
+
 void CCheckResult::SortResult() {
   m_nErrCount = 0;
-  if (!m_bSort) std::sort(m_vecResult.begin(), m_vecResult.end());
+  // Place first, then everything equality looks at: findings equal by
+  // operator== are then neighbours, which the walk below relies on.
+  auto fnKey = [](const _tCheckResult& r) {
+    return std::tie(r.para_id, r.offset, r.field_id, r.error_id, r.org_str, r.new_str);
+  };
+  if (!m_bSort)
+    std::sort(m_vecResult.begin(), m_vecResult.end(),
+              [&](const _tCheckResult& a, const _tCheckResult& b) { return fnKey(a) < fnKey(b); });
   m_mapErrId2FreqScore.clear();
   m_mapChapID2freq.clear();
   for (size_t i = m_vecResult.size(); i-- > 0;) {
@@ -233,8 +234,8 @@ std::vector<CCheckResult::_tScoreLine> CCheckResult::ScoreLines(double& fTotalSc
     line.id = kv.first;
     line.count = kv.second.freq;
     line.max = 0;
-    line.each = g_pError2Message ? g_pError2Message->GetScore(kv.first.c_str(), line.max) : 0;
-    line.message = g_pError2Message ? g_pError2Message->GetText(kv.first.c_str()) : "Wrong text id " + kv.first;
+    line.each = m_pMessages ? m_pMessages->GetScore(kv.first.c_str(), line.max) : 0;
+    line.message = Message(kv.first);
     line.score = std::min(line.count * line.each, line.max);
     fDeduction += line.score;
     vecLines.push_back(line);
@@ -243,24 +244,15 @@ std::vector<CCheckResult::_tScoreLine> CCheckResult::ScoreLines(double& fTotalSc
   return vecLines;
 }
 
-// The template the document was checked against: organisation, area,
-// argument. Empty until templates are chosen for documents.
-tstring CCheckResult::TemplateValue(int nWhich) const {
-  if (m_pDocParser == nullptr) return "";
-  tstring sValues[3];
-  m_pDocParser->GetOrgType(m_nReportType, sValues[0], sValues[1], sValues[2]);
-  return nWhich >= 0 && nWhich < 3 ? sValues[nWhich] : "";
-}
-
 const char* CCheckResult::GetResult(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
-                                    CDocxParser* pParser) {
-  m_pDocParser = pParser;
+                                    const CDocument* pDoc) {
+  m_pDocParser = pDoc;
   m_nReportType = nReportType;
   tstring s = "<CheckResults>\r\n<docxPath>" + tstring(sPath ? sPath : "") + "</docxPath>\r\n<docxFile>" +
               tstring(sFilename ? sFilename : "") + "</docxFile>\r\n<reportType>" + std::to_string(nReportType) +
               "</reportType>\r\n<url_prefix>" + tstring(sURLPrefix ? sURLPrefix : "") +
-              "</url_prefix>\r\n<template_organization>" + TemplateValue(0) + "</template_organization>\r\n<template_area>" +
-              TemplateValue(1) + "</template_area>\r\n<template_argu>" + TemplateValue(2) + "</template_argu>\r\n";
+              "</url_prefix>\r\n<template_organization>" + m_templateKeys.organization + "</template_organization>\r\n<template_area>" +
+              m_templateKeys.area + "</template_area>\r\n<template_argu>" + m_templateKeys.argument + "</template_argu>\r\n";
   m_sURLPrefix = sURLPrefix ? sURLPrefix : "";
   m_sPath = sPath ? sPath : "";
   m_sFilename = sFilename ? sFilename : "";
@@ -287,17 +279,17 @@ const char* CCheckResult::GetResult(const char* sPath, const char* sFilename, in
 }
 
 const char* CCheckResult::GetResultJson(const char* sPath, const char* sFilename, int nReportType,
-                                        const char* sURLPrefix, CDocxParser* pParser) {
-  m_pDocParser = pParser;
+                                        const char* sURLPrefix, const CDocument* pDoc) {
+  m_pDocParser = pDoc;
   m_nReportType = nReportType;
   Json::Value root;
   root["docxPath"] = sPath ? sPath : "";
   root["docxFile"] = sFilename ? sFilename : "";
   root["url_prefix"] = sURLPrefix ? sURLPrefix : "";
   root["reportType"] = nReportType;
-  root["template_organization"] = TemplateValue(0);
-  root["template_area"] = TemplateValue(1);
-  root["template_argu"] = TemplateValue(2);
+  root["template_organization"] = m_templateKeys.organization;
+  root["template_area"] = m_templateKeys.area;
+  root["template_argu"] = m_templateKeys.argument;
   m_sURLPrefix = sURLPrefix ? sURLPrefix : "";
   m_sPath = sPath ? sPath : "";
   m_sFilename = sFilename ? sFilename : "";
@@ -335,10 +327,7 @@ const char* CCheckResult::GetResultJson(const char* sPath, const char* sFilename
     chapter["error_count"] = kv.second;
     chapters["chapter"].append(chapter);
   }
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "  ";
-  builder["emitUTF8"] = true;
-  m_sResult = Json::writeString(builder, root);
+  m_sResult = JsonText(root);
   return m_sResult.c_str();
 }
 
@@ -397,17 +386,11 @@ int CCheckResult::ImportJsonFile(const char* sFilename) {
   m_sURLPrefix = fnString("url_prefix");
   m_nReportType = root["reportType"].isInt() ? root["reportType"].asInt() : 0;
   m_vecResult.clear();
-  Json::StreamWriterBuilder writerBuilder;
-  writerBuilder["indentation"] = "";
-  writerBuilder["emitUTF8"] = true;
-  std::unique_ptr<Json::StreamWriter> pWriter(writerBuilder.newStreamWriter());
   if (root["Errors"].isArray())
     for (const Json::Value& item : root["Errors"]) {
       if (!item.isObject()) continue;
-      std::ostringstream record;
-      pWriter->write(item, &record);
       _tCheckResult result;
-      result.input(record.str().c_str(), true);
+      result.input(JsonText(item, false).c_str(), true);
       m_vecResult.push_back(result);
     }
   m_bSort = false;

@@ -12,7 +12,17 @@
 
 #include "utility/TString.h"
 
-class CDocxParser;
+class CDocument;
+class CID2Message;
+
+// The keys a template is chosen by: the organisation handed to the check
+// ("*" when none), and "*" for area and argument.
+struct _tTemplateKeys {
+  tstring organization, area, argument;
+  static _tTemplateKeys ForOrganization(const tstring& sOrganization) {
+    return _tTemplateKeys{sOrganization.empty() ? "*" : sOrganization, "*", "*"};
+  }
+};
 
 // One finding.
 struct _tCheckResult {
@@ -50,20 +60,31 @@ struct _tFreqScore {
 
 class CCheckResult {
  public:
+  // pMessages gives messages and scores (may be null: every id is then
+  // unknown); it must outlive the result.
+  explicit CCheckResult(const CID2Message* pMessages = nullptr) : m_pMessages(pMessages) {}
+
   // Admits one finding: trims trailing blanks of org_str, drops an empty
   // font finding and a replacement by the same text, fills the message.
   void AddResult(_tCheckResult& result);
   // Sorts, removes duplicates and counts per error id and per chapter.
+  // Findings at one place are ordered by field, error id and texts too, so
+  // that equal findings always end up next to each other.
   void SortResult();
   void Reset();
   // Removes every finding of an id; returns how many.
   size_t Remove(const char* sErrorId);
 
-  // The rendered texts; valid until the next rendering. pParser may be null.
+  // The template the findings were made against, as the results name it
+  // ("" for each key until set).
+  void SetTemplateKeys(const _tTemplateKeys& keys) { m_templateKeys = keys; }
+
+  // The rendered texts; valid until the next rendering. pDoc gives the
+  // chapters and their texts; it may be null and must outlive the rendering.
   const char* GetResult(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
-                        CDocxParser* pParser);
+                        const CDocument* pDoc);
   const char* GetResultJson(const char* sPath, const char* sFilename, int nReportType, const char* sURLPrefix,
-                            CDocxParser* pParser);
+                            const CDocument* pDoc);
   // Writes a short XML file naming the document. 1, or 0 ("Fail write file").
   int GetResultFile(const char* sFilename);
 
@@ -94,13 +115,15 @@ class CCheckResult {
  private:
   // The per-id score lines and the total score, from the counts.
   std::vector<_tScoreLine> ScoreLines(double& fTotalScore) const;
-  tstring TemplateValue(int nWhich) const;
+  tstring Message(const tstring& sErrorId) const;
 
   std::vector<_tCheckResult> m_vecResult;
   tstring m_sResult;
   std::map<tstring, _tFreqScore> m_mapErrId2FreqScore;  // findings per error id
   std::map<uint32_t, int> m_mapChapID2freq;              // findings per chapter heading id
-  CDocxParser* m_pDocParser = nullptr;                   // not owned; the model of the last rendering
+  const CID2Message* m_pMessages;                        // not owned; may be null
+  const CDocument* m_pDocParser = nullptr;               // not owned; the model of the last rendering
+  _tTemplateKeys m_templateKeys;                         // as the results name them
   unsigned m_nErrCount = 0;
   bool m_bSort = false;
 };

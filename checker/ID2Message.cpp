@@ -11,6 +11,7 @@
 
 #include "utility/DataCipher.h"
 #include "utility/ErrorLog.h"
+#include "utility/JsonText.h"
 #include "utility/FileUtil.h"
 
 namespace {
@@ -153,7 +154,7 @@ int CID2Message::Export(const char* sFilename) {
   return (int)m_mapId2Message.size();
 }
 
-const char* CID2Message::Export2Json() {
+tstring CID2Message::Export2Json() const {
   Json::Value root;
   root["ErrorCount"] = (Json::UInt64)m_mapId2Message.size();
   Json::Value& errors = root["Errors"];
@@ -168,14 +169,10 @@ const char* CID2Message::Export2Json() {
     item["max_score"] = fMax;
     errors.append(item);
   }
-  Json::StreamWriterBuilder builder;
-  builder["indentation"] = "  ";
-  builder["emitUTF8"] = true;
-  m_sResult = Json::writeString(builder, root);
-  return m_sResult.c_str();
+  return JsonText(root);
 }
 
-const char* CID2Message::GetText(const char* id) {
+const char* CID2Message::GetText(const char* id) const {
   tstring sId = id ? id : "";
   auto it = m_mapId2Message.find(sId);
   if (it != m_mapId2Message.end()) return it->second.c_str();

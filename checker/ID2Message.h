@@ -40,13 +40,13 @@ class CID2Message {
   int Export(const char* sFilename);
 
   // The catalogue as JSON: {"ErrorCount": N, "Errors": [{"id", "message",
-  // "each_score", "max_score"}...]}. Valid until the next Export2Json.
-  const char* Export2Json();
+  // "each_score", "max_score"}...]}.
+  tstring Export2Json() const;
 
   // The message of an id. For an unknown id: sets the last error "Wrong text
   // id <id>" and returns that same text. Known ids stay valid while the
   // catalogue is unchanged; the unknown-id text until this thread's next call.
-  const char* GetText(const char* id);
+  const char* GetText(const char* id) const;
 
   // each_score of an id, with its max_score through the reference; 0 and 0
   // for an id without a score pair.
@@ -58,5 +58,4 @@ class CID2Message {
  private:
   std::map<tstring, tstring> m_mapId2Message;  // id -> message, in byte order of ids
   std::map<tstring, _tScore> m_mapId2Score;    // id -> score pair
-  tstring m_sResult;                           // text of the last Export2Json
 };

@@ -2,61 +2,76 @@
 
 #include <cstdio>
 
-#include "api/ApiGuard.h"
-#include "api/Globals.h"
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
 #include "keyscan/KeyScanner.h"
-#include "docx/DocxParser.h"
 #include "reviser/DocReviser.h"
 #include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
+#include "utility/JsonText.h"
 
 namespace {
 const char kAuditAgent[] = "the rule-engine audit (CAuditAgent)";
 const char kXmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 }  // namespace
 
-CReportChecker::CReportChecker()
-    : m_pBufManager(new CBufferManager),
-      m_pDocxParser(new CDocxParser),
-      m_pCheckResult(new CCheckResult),
+CReportChecker::CReportChecker(const _tCheckServices* pServices)
+    : m_pServices(pServices),
+      m_pBufManager(new CBufferManager),
+      m_pDocument(new CDocument),
+      m_pCheckResult(NewCheckResult()),
       m_pDocReviser(new CDocReviser) {}
 
 CReportChecker::~CReportChecker() = default;
 
-int CReportChecker::ImportFile(const char* sFilename, const char* sURLPrefix, int nType,
-                               int nResultFormat) {
-  return m_pDocxParser->ImportFile(sFilename, sURLPrefix, nType, nResultFormat);
+std::unique_ptr<CCheckResult> CReportChecker::NewCheckResult() const {
+  return std::unique_ptr<CCheckResult>(new CCheckResult(m_pServices->pMessages));
 }
 
-int CReportChecker::ImportMemory(const char* sTxt, int nType, int nResultFormat) {
-  return m_pDocxParser->ImportMemory(sTxt, nType, nResultFormat);
+int CReportChecker::ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat) {
+  return CDocImporter(m_pServices->pAnalyser).ImportFile(*m_pDocument, sFilename, sURLPrefix, nType, nResultFormat);
 }
 
-const char* CReportChecker::ImportDocx(const char* sDocxFilename, const char* sURLPrefix,
-                                       int nType, int nResultFormat) {
-  return m_pDocxParser->ImportDocx(sDocxFilename, sURLPrefix, nType, nResultFormat);
+int CReportChecker::ImportMemory(const char* sTxt, int nType, int /*nResultFormat*/) {
+  return CDocImporter(m_pServices->pAnalyser).ImportMemory(*m_pDocument, sTxt, nType);
+}
+
+const char* CReportChecker::ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType,
+                                       int nResultFormat) {
+  tstring sPath =
+      CDocImporter(m_pServices->pAnalyser).ImportDocx(*m_pDocument, sDocxFilename, sURLPrefix, nType, nResultFormat);
+  return sPath.empty() ? nullptr : Keep(kTextImportDoc, sPath);
 }
 
 size_t CReportChecker::LoadDocResult(const char* sResultXMLFilename) {
-  return m_pDocxParser->LoadDocResult(sResultXMLFilename);
+  return CDocImporter(m_pServices->pAnalyser).LoadDocResult(*m_pDocument, sResultXMLFilename);
 }
 
-const char* CReportChecker::GetCurTemplateInfo() { return m_pDocxParser->GetCurTemplateInfo(); }
+const char* CReportChecker::GetCurTemplateInfo() {
+  const _tTemplateKeys keys = _tTemplateKeys::ForOrganization(m_sOrganization);
+  Json::Value root(Json::objectValue);
+  root["docReportType"] = m_pDocument->m_nDocType;
+  root["zyg_organization"] = keys.organization;
+  root["zyg_area"] = keys.area;
+  root["zyg_argument"] = keys.argument;
+  return Keep(kTextTemplateInfo, JsonText(root));
+}
 
-int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization,
-                          bool /*bDebug*/) {
+int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization, bool /*bDebug*/) {
   m_nReportType = nType;
-  m_pDocxParser->m_sOrganization = sOrgnization ? sOrgnization : "";
+  m_sOrganization = sOrgnization ? sOrgnization : "";
   m_nResultFormat = nResultFormat;
   m_pCheckResult->Reset();
   // The rule-engine audit and its knowledge results come with the audit
   // agent; until then the check goes on without them.
   m_sKGResult.clear();
-  if (g_bFormatCheck && g_pDocFormatChecker)
-    g_pDocFormatChecker->Check(m_pDocxParser.get(), m_pCheckResult.get(), m_nReportType);
-  if (g_bFilteringCheck) CheckErrorWord();
+  const _tCheckSwitches& switches = m_pServices->switches;
+  if (switches.bFormatCheck && m_pServices->pFormatChecker)
+    m_pServices->pFormatChecker->Check(*m_pDocument, *m_pCheckResult, m_nReportType,
+                                       _tTemplateKeys::ForOrganization(m_sOrganization));
+  if (switches.bFilteringCheck) CheckErrorWord();
   return 1;
 }
 
@@ -75,59 +90,58 @@ const char* CReportChecker::ExtractKnowledge(int nType, int /*nResultFormat*/) {
 }
 
 int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int nTemplateID) {
-  std::unique_ptr<CCheckResult> pCheckResult(new CCheckResult);
+  std::unique_ptr<CCheckResult> pCheckResult = NewCheckResult();
   if (pCheckResult->Import(sReviseXMLFile) != 1) {
     SetLastError(tstring("Failed reading file ") + (sReviseXMLFile ? sReviseXMLFile : ""));
     return -1;
   }
   m_pCheckResult = std::move(pCheckResult);
-  m_pDocxParser.reset(new CDocxParser);
+  m_pDocument.reset(new CDocument);
+  m_sOrganization.clear();  // the structure file does not name it
   // The structure file sits beside the document the result was made for.
   tstring sStructure = m_pCheckResult->m_sPath + "/../" + m_pCheckResult->m_sFilename + ".xml";
-  if (m_pDocxParser->LoadDocResult(GetAnsiFilename(sStructure.c_str()).c_str()) == 0) return -1;
+  if (LoadDocResult(GetAnsiFilename(sStructure.c_str()).c_str()) == 0) return -1;
   for (const char* szErrorId : {"1.1.1", "1.1.2", "1.1.3"}) m_pCheckResult->Remove(szErrorId);
-  if (!g_pDocFormatChecker) return ServiceMissing("the format re-check (format checking is switched off)", -1);
-  return g_pDocFormatChecker->ReCheck(m_pDocxParser.get(), m_pCheckResult.get(), nTemplateID);
+  if (!m_pServices->pFormatChecker) return ServiceMissing("the format re-check (format checking is switched off)", -1);
+  return m_pServices->pFormatChecker->ReCheck(*m_pDocument, *m_pCheckResult, nTemplateID);
 }
 
 const char* CReportChecker::ReviseF(const char* sReviseXMLResult) {
   const char* sRevised = m_pDocReviser->Revise(sReviseXMLResult);
-  return sRevised ? m_pBufManager->Keep(sRevised) : nullptr;
+  return sRevised ? Keep(kTextRevise, sRevised) : nullptr;
 }
 
-const char* CReportChecker::ShowHtmlError(const char* sReviseXMLResult) {
-  CCheckResult checkResult;
+int CReportChecker::ShowHtmlError(const char* sReviseXMLResult) {
+  CCheckResult checkResult(m_pServices->pMessages);
   if (checkResult.Import(sReviseXMLResult) != 1) {
     SetLastError(tstring("Failed reading file ") + (sReviseXMLResult ? sReviseXMLResult : ""));
-    return ThreadCopy(kSlotHtmlError, GetLastError());
+    return -1;
   }
-  ServiceMissing("the HTML pages (CDocReviser::ShowCheckInHtml)");
-  return ThreadCopy(kSlotHtmlError, GetLastError());
+  return ServiceMissing("the HTML pages (CDocReviser::ShowCheckInHtml)", -2);
 }
 
 const char* CReportChecker::GetResult() {
   const bool bXml = m_nResultFormat == 0;
-  const tstring sPath = ANSIToUTF8(m_pDocxParser->m_sPath), sName = ANSIToUTF8(m_pDocxParser->m_sFilename);
+  const tstring sPath = ANSIToUTF8(m_pDocument->m_sPath), sName = ANSIToUTF8(m_pDocument->m_sFilename);
+  m_pCheckResult->SetTemplateKeys(_tTemplateKeys::ForOrganization(m_sOrganization));
   const char* sBody =
       bXml ? m_pCheckResult->GetResult(sPath.c_str(), sName.c_str(), m_nReportType,
-                                       m_pDocxParser->m_sURLPrefix.c_str(), m_pDocxParser.get())
+                                       m_pDocument->m_sURLPrefix.c_str(), m_pDocument.get())
            : m_pCheckResult->GetResultJson(sPath.c_str(), sName.c_str(), m_nReportType,
-                                           m_pDocxParser->m_sURLPrefix.c_str(), m_pDocxParser.get());
+                                           m_pDocument->m_sURLPrefix.c_str(), m_pDocument.get());
   m_sResult = bXml ? "<TARVOS>\n" + tstring(sBody) + "</TARVOS>\n" : tstring(sBody);
   return m_sResult.c_str();
 }
 
-const char* CReportChecker::GetResultE() {
-  return GetResult() ? m_pBufManager->Keep(m_sResult) : nullptr;
-}
+const char* CReportChecker::GetResultE() { return GetResult() ? Keep(kTextResult0, m_sResult) : nullptr; }
 
 const char* CReportChecker::GetResult(int result_type) {
   switch (result_type) {
     case 0: return GetResultE();
-    case 1: return m_pBufManager->Keep(m_sKGResult);
-    case 6: return m_pBufManager->Keep(m_sSingleKeyResult);
-    case 7: return m_pBufManager->Keep(m_sTupleResult);
-    case 8: return m_pBufManager->Keep(m_sEntityKeyResult);
+    case 1: return Keep(kTextResult1, m_sKGResult);
+    case 6: return Keep(kTextResult6, m_sSingleKeyResult);
+    case 7: return Keep(kTextResult7, m_sTupleResult);
+    case 8: return Keep(kTextResult8, m_sEntityKeyResult);
     default:
       SetLastError("GetResult: unknown result type " + std::to_string(result_type));
       return nullptr;
@@ -136,7 +150,7 @@ const char* CReportChecker::GetResult(int result_type) {
 
 const char* CReportChecker::GetResultFile(int nResultFormat) {
   m_nResultFormat = nResultFormat;
-  tstring sFile = m_pDocxParser->m_sPath + "/../" + m_pDocxParser->m_sFilename +
+  tstring sFile = m_pDocument->m_sPath + "/../" + m_pDocument->m_sFilename +
                   (nResultFormat == 1 ? "_Check.json" : "_Check.xml");
   // Rendered before the file is opened, so a failed rendering leaves no
   // half-written result behind.
@@ -150,22 +164,17 @@ const char* CReportChecker::GetResultFile(int nResultFormat) {
   fwrite(m_sResult.data(), 1, m_sResult.size(), fp);
   fclose(fp);
   if (nResultFormat == 0) m_sResult = sFile;
-  return m_pBufManager->Keep(m_sResult);
+  return Keep(kTextCheck, m_sResult);
 }
 
 int CReportChecker::CheckErrorWord() {
-  for (const auto& vecList : m_pDocxParser->m_vecHeadFooter)
-    for (const _tParagraph& para : vecList) CheckErrorWord(para);
-  for (const _tParagraph& para : m_pDocxParser->m_vecParagraph) CheckErrorWord(para);
-  for (const _tTable& table : m_pDocxParser->m_vecTable)
-    for (const auto& row : table.rows)
-      for (const auto& cell : row)
-        for (const _tParagraph& para : cell) CheckErrorWord(para);
+  m_pDocument->ForEachParagraph([this](const _tParagraph& para) { CheckErrorWord(para); });
   return 1;
 }
 
 int CReportChecker::CheckErrorWord(const _tParagraph& paragraph) {
-  return AddErrorWords(KS_ScanDetail(paragraph.text.c_str(), 3, 0), paragraph);
+  const CKeyScanner* pScanner = m_pServices->pKeyScanner;
+  return AddErrorWords(pScanner ? pScanner->ScanDetail(paragraph.text, 3, 0).c_str() : "", paragraph);
 }
 
 // The scanner's correction list "(Check ...)A-->B##C-->D$": each item adds a
@@ -193,7 +202,7 @@ int CReportChecker::AddErrorWords(const char* sScan, const _tParagraph& paragrap
     result.para_id = paragraph.id;
     result.offset = (uint32_t)nOffset;
     result.error_id = "1.5.2";
-    result.text = m_pDocxParser->GetText(paragraph.id);
+    result.text = m_pDocument->GetText(paragraph.id);
     result.field_id = 2;
     result.org_str = sWrong;
     result.revise_type = 1;

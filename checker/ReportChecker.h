@@ -1,31 +1,55 @@
 #pragma once
 // CReportChecker is one checking instance: it owns a document model, the
-// findings of its last check and a reviser, runs every check over one imported
-// document in a fixed order and renders the findings. Texts it returns are
-// copies owned by its buffer manager and live as long as the instance.
+// findings of its last check and a reviser, runs every check over one
+// imported document in a fixed order and renders the findings. The shared
+// services come from the engine as a const pointer; everything a check
+// works on belongs to the instance or to objects made for that check, so
+// instances on different threads never share a thing that changes.
+//
+// Texts it returns are owned by the instance: each call that returns text
+// keeps its latest text (EInstanceText), valid until the same call on this
+// instance returns another, or the instance is destroyed.
 #include <memory>
 
+#include "checker/CheckServices.h"
 #include "utility/BufferManager.h"
 #include "utility/TString.h"
 
-class CDocxParser;
 class CCheckResult;
-struct _tParagraph;
 class CDocReviser;
+class CDocument;
+struct _tParagraph;
+
+// The calls of an instance that return text, one slot each.
+enum EInstanceText {
+  kTextCheck,          // CheckReportF / CheckReportM / ReCheckFormat: the result
+  kTextResult0,        // GetResult(0), GetResult(1) ... by result type
+  kTextResult1,
+  kTextResult6,
+  kTextResult7,
+  kTextResult8,
+  kTextImportDoc,      // ImportDoc: the structure file's path
+  kTextRevise,         // ReviseReportF
+  kTextTemplateInfo,   // GetCurTemplateInfo
+  kTextScanMem,        // CheckMem (ZYG_ScanTextMem)
+  kTextKnowledge,      // ExtractKnowledge
+};
 
 class CReportChecker {
  public:
-  CReportChecker();
+  // pServices must outlive the instance.
+  explicit CReportChecker(const _tCheckServices* pServices);
   ~CReportChecker();
-  // Hosts hold pointers into the instance's buffers; it is never copied.
+  // Hosts hold pointers into the instance's texts; it is never copied.
   CReportChecker(const CReportChecker&) = delete;
   CReportChecker& operator=(const CReportChecker&) = delete;
 
   int ImportFile(const char* sFilename, const char* sURLPrefix, int nType, int nResultFormat);
   int ImportMemory(const char* sTxt, int nType, int nResultFormat);
-  const char* ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType,
-                         int nResultFormat);
+  // The structure file's path; null on failure.
+  const char* ImportDocx(const char* sDocxFilename, const char* sURLPrefix, int nType, int nResultFormat);
   size_t LoadDocResult(const char* sResultXMLFilename);
+  // The template keys of the current document as JSON.
   const char* GetCurTemplateInfo();
 
   // Runs every check over the imported document, in order: rule-engine audit,
@@ -36,7 +60,7 @@ class CReportChecker {
   // One rule over one line of text. Null when it cannot run.
   const char* CheckMem(const char* sLine, int nType, int rule_id);
 
-  // Knowledge extraction over the imported document; a copy owned by the instance.
+  // Knowledge extraction over the imported document.
   const char* ExtractKnowledge(int nType, int nResultFormat);
 
   // Format check again from a saved result. Returns 1; -1 on failure.
@@ -44,17 +68,18 @@ class CReportChecker {
 
   const char* ReviseF(const char* sReviseXMLResult);
 
-  // Redraws the HTML pages from a saved result. Null on success, the error
-  // text on failure (a thread copy of the last error).
-  const char* ShowHtmlError(const char* sReviseXMLResult);
+  // Redraws the HTML pages from a saved result. 1 on success; -1 when the
+  // result cannot be read, -2 when the pages cannot be drawn (the reason in
+  // the last error).
+  int ShowHtmlError(const char* sReviseXMLResult);
 
   // Renders the findings into m_sResult: XML in a "TARVOS" root for format 0,
   // JSON otherwise. Valid until the next rendering; null on failure.
   const char* GetResult();
-  // GetResult(), copied into the buffer manager.
+  // GetResult(), kept as the instance's text of GetResult(0).
   const char* GetResultE();
-  // A copy of a stored text: 0 findings, 1 knowledge graph, 6 single key
-  // values, 7 tuples, 8 entity key values; null for any other type.
+  // A stored text: 0 findings, 1 knowledge graph, 6 single key values,
+  // 7 tuples, 8 entity key values; null for any other type.
   const char* GetResult(int result_type);
   // Writes "<folder of the working path>/<name>_Check.json" for format 1, else
   // "..._Check.xml"; returns its path for format 0, the text otherwise.
@@ -67,15 +92,20 @@ class CReportChecker {
   int CheckErrorWord(const _tParagraph& paragraph);
   // Turns a scanner text into findings on a paragraph (see CheckErrorWord).
   int AddErrorWords(const char* sScan, const _tParagraph& paragraph);
-  const CCheckResult& GetCheckResult() const { return *m_pCheckResult; }
-  CDocxParser& GetDocxParser() { return *m_pDocxParser; }
 
+  const CCheckResult& GetCheckResult() const { return *m_pCheckResult; }
+  const CDocument& GetDocument() const { return *m_pDocument; }
   int GetReportType() const { return m_nReportType; }
   const CBufferManager& GetBufferManager() const { return *m_pBufManager; }
 
  private:
-  std::unique_ptr<CBufferManager> m_pBufManager;  // every text handed to the host
-  std::unique_ptr<CDocxParser> m_pDocxParser;     // the document model
+  const char* Keep(EInstanceText eSlot, const tstring& sText) { return m_pBufManager->Keep(eSlot, sText); }
+  // A fresh findings collection on the services' catalogue.
+  std::unique_ptr<CCheckResult> NewCheckResult() const;
+
+  const _tCheckServices* m_pServices;             // not owned; the engine's
+  std::unique_ptr<CBufferManager> m_pBufManager;  // the texts handed to the host
+  std::unique_ptr<CDocument> m_pDocument;         // the document model
   std::unique_ptr<CCheckResult> m_pCheckResult;   // findings of the last check
   std::unique_ptr<CDocReviser> m_pDocReviser;     // revised DOCX and HTML marks
   tstring m_sResult;           // last rendered result (or result file path)
@@ -83,6 +113,7 @@ class CReportChecker {
   tstring m_sSingleKeyResult;  // single key-value result
   tstring m_sEntityKeyResult;  // entity key-value result
   tstring m_sTupleResult;      // tuple result
+  tstring m_sOrganization;     // organisation the last check was for
   int m_nReportType = -1;      // report type of the last check
   int m_nResultFormat = 0;     // 0 XML, otherwise JSON
 };

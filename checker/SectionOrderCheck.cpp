@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "checker/CheckResult.h"
-#include "docx/DocxParser.h"
+#include "docx/Document.h"
 #include "utility/NumberOrder.h"
 
 namespace {
@@ -75,8 +75,8 @@ void CSectionOrderCheck::Add(const _tParagraph& para, const char* szErrorId, con
 
 const _tParagraph* CSectionOrderCheck::ParagraphWithId(uint32_t nParaId) const {
   _tParaIndex index;
-  if (!m_parser.GetParaIndex(nParaId, index) || index.table_index >= 0) return nullptr;
-  return &m_parser.m_vecParagraph[index.para_index];
+  if (!m_doc.GetParaIndex(nParaId, index) || index.table_index >= 0) return nullptr;
+  return &m_doc.m_vecParagraph[index.para_index];
 }
 
 void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {
@@ -102,24 +102,24 @@ void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, i
 
 int CSectionOrderCheck::ChapterAt(size_t nIndex) const {
   int nChapter = 0;
-  for (size_t k = 0; k < m_parser.m_vecChapterParaIndex.size() && k < m_parser.m_vecChapterId.size(); ++k)
-    if ((size_t)m_parser.m_vecChapterParaIndex[k] <= nIndex) nChapter = m_parser.m_vecChapterId[k];
+  for (size_t k = 0; k < m_doc.ChapterParaIndexes().size() && k < m_doc.ChapterIds().size(); ++k)
+    if ((size_t)m_doc.ChapterParaIndexes()[k] <= nIndex) nChapter = m_doc.ChapterIds()[k];
   return nChapter;
 }
 
 void CSectionOrderCheck::CheckSections() {
-  for (size_t nStart = 0; nStart < m_parser.m_vecDocStruct.size();)
+  for (size_t nStart = 0; nStart < m_doc.Headings().size();)
     nStart = CheckSectionOrder(nStart, 2, "");
 }
 
 size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const tstring& sChapId) {
-  const std::vector<int>& vecHeadings = m_parser.m_vecDocStruct;
+  const std::vector<int>& vecHeadings = m_doc.Headings();
   int vecLast[kMaxHeadingLevel + 1] = {0};
   int nPrevLevel = nLevel - 1;
   size_t i = nStart;
   for (; i < vecHeadings.size(); ++i) {
-    if (vecHeadings[i] < 0 || (size_t)vecHeadings[i] >= m_parser.m_vecParagraph.size()) continue;
-    const _tParagraph& para = m_parser.m_vecParagraph[vecHeadings[i]];
+    if (vecHeadings[i] < 0 || (size_t)vecHeadings[i] >= m_doc.m_vecParagraph.size()) continue;
+    const _tParagraph& para = m_doc.m_vecParagraph[vecHeadings[i]];
     if (para.level < nLevel) {
       if (i > nStart) break;  // the next chapter starts the next call
       continue;
@@ -167,7 +167,7 @@ void CSectionOrderCheck::CheckSeries(const _tParagraph& para, const _tSection_In
 
 void CSectionOrderCheck::CheckFigureTableOrder() {
   _tSeries figures, tables;
-  for (const _tParagraph& para : m_parser.m_vecParagraph) {
+  for (const _tParagraph& para : m_doc.m_vecParagraph) {
     if (para.level != kLevelFigureCaption && para.level != kLevelTableCaption) continue;
     _tSection_Info info;
     if (ExtractOrder(para.text, kOrderHeading, info) <= 0) continue;
@@ -180,7 +180,7 @@ void CSectionOrderCheck::CheckFigureTableOrder() {
 
 void CSectionOrderCheck::CheckFormulaOrder() {
   _tSeries formulas;
-  for (const _tParagraph& para : m_parser.m_vecParagraph) {
+  for (const _tParagraph& para : m_doc.m_vecParagraph) {
     if (para.level != kLevelFormula) continue;
     size_t nOpen = para.text.rfind('(');
     _tSection_Info info;
@@ -191,9 +191,9 @@ void CSectionOrderCheck::CheckFormulaOrder() {
 
 void CSectionOrderCheck::CheckReferenceOrder() {
   _tSeries references;
-  const int nStart = std::max(m_parser.m_nReferenceStartIndex, 0);
-  for (int i = nStart; i <= m_parser.m_nReferenceEndIndex && (size_t)i < m_parser.m_vecParagraph.size(); ++i) {
-    const _tParagraph& para = m_parser.m_vecParagraph[i];
+  const int nStart = std::max(m_doc.ReferenceStart(), 0);
+  for (int i = nStart; i <= m_doc.ReferenceEnd() && (size_t)i < m_doc.m_vecParagraph.size(); ++i) {
+    const _tParagraph& para = m_doc.m_vecParagraph[i];
     _tSection_Info info;
     if (ExtractOrder(para.text, kOrderHeading, info) <= 0 || info.prefix != "[") continue;
     CheckSeries(para, info, references, "1.3.6");

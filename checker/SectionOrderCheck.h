@@ -25,13 +25,13 @@
 #include "utility/SectionInfo.h"
 #include "utility/TString.h"
 
-class CDocxParser;
+class CDocument;
 class CCheckResult;
 struct _tParagraph;
 
 class CSectionOrderCheck {
  public:
-  CSectionOrderCheck(CDocxParser& parser, CCheckResult& result) : m_parser(parser), m_result(result) {}
+  CSectionOrderCheck(const CDocument& doc, CCheckResult& result) : m_doc(doc), m_result(result) {}
 
   // Parts numbered from nFirst; sets orderNew of a part out of order to the
   // number it should have.
@@ -58,6 +58,6 @@ class CSectionOrderCheck {
   // The chapter number in force at a paragraph index; 0 before the first.
   int ChapterAt(size_t nIndex) const;
 
-  CDocxParser& m_parser;
+  const CDocument& m_doc;
   CCheckResult& m_result;
 };

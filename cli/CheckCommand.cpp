@@ -2,57 +2,72 @@
 
 #include <strings.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
 
-#include "api/Globals.h"
 #include "cli/DataDir.h"
-#include "checker/CheckResult.h"
-#include "checker/ReportChecker.h"
-#include "docx/DocxParser.h"
+#include "cli/ResultSummary.h"
 #include "tarvos.h"
-#include "utility/DirBrowser.h"
-#include "utility/FileUtil.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
 // The documents of a folder that a check takes: doc*, wps, htm*, txt (not
 // the "_tuple" texts the engine writes itself).
-bool IsDocument(const std::string& sPath) {
-  std::string sDir, sName, sExt;
-  SplitPath(sPath, sDir, sName, sExt);
-  if (strncasecmp(sExt.c_str(), "doc", 3) == 0 || strcasecmp(sExt.c_str(), "wps") == 0 ||
-      strncasecmp(sExt.c_str(), "htm", 3) == 0)
+bool IsDocument(const fs::path& path) {
+  const std::string sExt = path.extension().string(), sStem = path.stem().string();
+  const char* szExt = sExt.empty() ? "" : sExt.c_str() + 1;
+  if (strncasecmp(szExt, "doc", 3) == 0 || strcasecmp(szExt, "wps") == 0 || strncasecmp(szExt, "htm", 3) == 0)
     return true;
-  return strcasecmp(sExt.c_str(), "txt") == 0 && !(sName.size() >= 6 && sName.compare(sName.size() - 6, 6, "_tuple") == 0);
+  return strcasecmp(szExt, "txt") == 0 && !(sStem.size() >= 6 && sStem.compare(sStem.size() - 6, 6, "_tuple") == 0);
 }
 
 std::vector<std::string> ExpandInputs(const std::vector<std::string>& vecInputs) {
   std::vector<std::string> vecFiles;
   for (const std::string& sInput : vecInputs) {
-    if (!IsReadableDirectory(sInput)) {
+    std::error_code ec;
+    if (!fs::is_directory(sInput, ec)) {
       vecFiles.push_back(sInput);
       continue;
     }
-    for (const std::string& sFile : ListFiles(sInput, "*.*", true))
-      if (IsDocument(sFile)) vecFiles.push_back(sFile);
+    std::vector<std::string> vecFolder;
+    for (const auto& entry : fs::directory_iterator(sInput, ec))
+      if (entry.is_regular_file(ec) && IsDocument(entry.path())) vecFolder.push_back(entry.path().string());
+    std::sort(vecFolder.begin(), vecFolder.end());
+    vecFiles.insert(vecFiles.end(), vecFolder.begin(), vecFolder.end());
   }
   return vecFiles;
 }
 
-void PrintSummary(const std::string& sFile, const std::string& sResultFile, CReportChecker& checker, std::ostream& s) {
-  const CCheckResult& results = checker.GetCheckResult();
-  double fTotal = 0;
-  auto vecLines = results.GetScoreLines(fTotal);
+std::string ReadText(const std::string& sPath) {
+  std::ifstream in(sPath, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+// The file a check wrote its result to: "<name>_Check.xml" or ".json" beside
+// the document.
+std::string ResultFileOf(const std::string& sFile, bool bJson) {
+  fs::path path = fs::absolute(sFile).lexically_normal();
+  return (path.parent_path() / (path.stem().string() + (bJson ? "_Check.json" : "_Check.xml"))).string();
+}
+
+void PrintSummary(const std::string& sFile, const std::string& sResultFile, const _tResultSummary& summary,
+                  std::ostream& s) {
   char sScore[32];
-  snprintf(sScore, sizeof(sScore), "%.2f", fTotal);
-  s << sFile << ": " << results.GetErrorCount() << " findings, total score " << sScore << "\n";
-  for (const auto& line : vecLines) {
+  snprintf(sScore, sizeof(sScore), "%.2f", summary.score);
+  s << sFile << ": " << summary.total << " findings, total score " << sScore << "\n";
+  for (const _tSummaryLine& line : summary.lines) {
     char sLine[64];
-    snprintf(sLine, sizeof(sLine), "  %-8s %4d  -%-6.2f ", line.id.c_str(), line.count, (double)line.score);
+    snprintf(sLine, sizeof(sLine), "  %-8s %4d  -%-6.2f ", line.id.c_str(), line.count, line.score);
     s << sLine << line.message << "\n";
   }
-  CDocxParser& parser = checker.GetDocxParser();
-  for (const auto& kv : results.GetChapterCounts()) s << "  chapter " << parser.GetText(kv.first) << ": " << kv.second << "\n";
+  for (const _tChapterLine& chapter : summary.chapters) s << "  chapter " << chapter.text << ": " << chapter.count << "\n";
   s << "  result: " << sResultFile << "\n";
 }
 
@@ -85,13 +100,15 @@ int RunCheck(const std::string& sDataDir, const _tCheckOptions& options, std::os
       ++nFailed;
       continue;
     }
-    CReportChecker* pChecker = GetReportCheckerWorker(0);
-    std::string sResultFile = sResult;
-    if (options.json) {
-      out << sResult;
-      sResultFile = pChecker->GetDocxParser().m_sPath + "/../" + pChecker->GetDocxParser().m_sFilename + "_Check.json";
+    const std::string sResultFile = ResultFileOf(sFile, options.json);
+    if (options.json) out << sResult;
+    _tResultSummary result;
+    if (!ReadResultSummary(options.json ? sResult : ReadText(sResultFile), result)) {
+      err << "tarvos: " << sFile << ": the result cannot be read back from " << sResultFile << "\n";
+      ++nFailed;
+      continue;
     }
-    PrintSummary(sFile, sResultFile, *pChecker, summary);
+    PrintSummary(sFile, sResultFile, result, summary);
   }
   TARVOS_Exit();
   if (vecFiles.empty()) err << "tarvos: no document to check\n";

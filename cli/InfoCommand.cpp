@@ -1,17 +1,15 @@
 #include "cli/InfoCommand.h"
 
-#include <iomanip>
+#include <json/json.h>
 
-#include "api/Globals.h"
-#include "checker/DocFormatCheck.h"
-#include "checker/ID2Message.h"
-#include "rules/ZYGManager.h"
+#include <iomanip>
+#include <sstream>
+
 #include "tarvos.h"
-#include "utility/Num2FontSize.h"
 
 namespace {
 
-const char* OnOff(char bSwitch) { return bSwitch ? "on" : "off"; }
+const char* OnOff(bool bSwitch) { return bSwitch ? "on" : "off"; }
 
 void Row(std::ostream& out, const char* sName, const std::string& sValue) {
   out << "  " << std::left << std::setw(26) << sName << sValue << "\n";
@@ -27,32 +25,26 @@ const char* StartFailure(int nStatus) {
   }
 }
 
-void PrintSwitches(std::ostream& out) {
+void PrintSwitches(const Json::Value& s, std::ostream& out) {
   out << "switches (Data/ZYG-Configure.json):\n";
-  Row(out, "PunctionCheck", OnOff(g_bPunctionCheck));
-  Row(out, "FormatCheck", OnOff(g_bFormatCheck));
-  Row(out, "OCR", OnOff(g_bOCR));
-  Row(out, "FilterCheck", OnOff(g_bFilteringCheck));
-  Row(out, "SpellCheck", std::string(OnOff(g_bSpellingCheck)) +
-                             (g_bSpellingCheck ? " (host " + g_sSpellingHostIP + ")" : ""));
-  Row(out, "CountryDetect", OnOff(g_bCountryDetect));
+  for (const char* sName : {"PunctionCheck", "FormatCheck", "OCR", "FilterCheck"}) Row(out, sName, OnOff(s[sName].asBool()));
+  Row(out, "SpellCheck",
+      std::string(OnOff(s["SpellCheck"].asBool())) + (s["SpellCheck"].asBool() ? " (host " + s["SpellCheckIP"].asString() + ")" : ""));
+  Row(out, "CountryDetect", OnOff(s["CountryDetect"].asBool()));
 }
 
-void PrintServices(std::ostream& out) {
+void PrintServices(const Json::Value& s, std::ostream& out) {
+  auto fnCount = [&](const char* sKey, const char* sUnit) { return std::to_string(s[sKey].asUInt64()) + " " + sUnit; };
   out << "services:\n";
-  Row(out, "rule engine", "started");
-  Row(out, "rule manager", g_pZYGManager ? std::to_string(g_pZYGManager->GetProcessers().size()) +
-                                               " document types"
-                                         : "absent");
-  Row(out, "keyword scanner", g_bFilteringCheck ? "started" : "off");
-  Row(out, "format checker",
-      g_pDocFormatChecker ? "started, " + std::to_string(g_pDocFormatChecker->GetTemplateCount()) + " templates" : "off");
-  Row(out, "font-size table", g_pNum2FontSize ? std::to_string(g_pNum2FontSize->GetCount()) + " sizes"
-                                              : "off");
-  Row(out, "message catalogue", std::to_string(g_pError2Message->GetMessages().size()) + " messages");
-  Row(out, "spelling dictionaries", g_pSimDict && g_pSpellCheckDict ? "started" : "absent");
-  Row(out, "knowledge-graph log", g_fpKG ? "open" : "not writable");
-  Row(out, "country detection", g_bCountryDetect ? "started" : "off");
+  Row(out, "rule engine", s["rule_engine"].asBool() ? "started" : "absent");
+  Row(out, "rule manager", fnCount("rule_document_types", "document types"));
+  Row(out, "keyword scanner", s["keyword_scanner"].asBool() ? "started" : "off");
+  Row(out, "format checker", s["format_checker"].asBool() ? "started, " + fnCount("templates", "templates") : "off");
+  Row(out, "font-size table", s["font_sizes"].asUInt64() ? fnCount("font_sizes", "sizes") : "off");
+  Row(out, "message catalogue", fnCount("messages", "messages"));
+  Row(out, "spelling dictionaries", s["spelling_dictionaries"].asBool() ? "started" : "absent");
+  Row(out, "knowledge-graph log", s["knowledge_log"].asBool() ? "open" : "not writable");
+  Row(out, "country detection", s["country_detection"].asBool() ? "started" : "off");
 }
 
 }  // namespace
@@ -69,10 +61,20 @@ int RunInfo(const std::string& sDataDir, std::ostream& out, std::ostream& err) {
     TARVOS_Exit();
     return 1;
   }
-  PrintSwitches(out);
-  PrintServices(out);
-  const char* sError = TARVOS_GetLastErrorMsg();
-  if (*sError) out << "last start-up note: " << sError << "\n";
+  // Start-up notes first: reading the engine's description is a call too.
+  const std::string sNote = TARVOS_GetLastErrorMsg();
+  Json::Value info;
+  Json::CharReaderBuilder builder;
+  JSONCPP_STRING sErrors;
+  std::istringstream in(TARVOS_GetEngineInfo());
+  if (!Json::parseFromStream(builder, in, &info, &sErrors)) {
+    err << "tarvos: the engine's description cannot be read: " << sErrors << "\n";
+    TARVOS_Exit();
+    return 1;
+  }
+  PrintSwitches(info["switches"], out);
+  PrintServices(info["services"], out);
+  if (!sNote.empty()) out << "last start-up note: " << sNote << "\n";
   TARVOS_Exit();
   return 0;
 }

@@ -1,27 +1,22 @@
 #include "cli/SegCommand.h"
 
-#include "utility/ErrorLog.h"
-#include "utility/lexical/Lexical.h"
+#include "cli/DataDir.h"
+#include "tarvos.h"
 
 int RunSeg(const std::string& sDataDir, bool bTags, const std::string& sUserDict, std::istream& in,
            std::ostream& out, std::ostream& err) {
-  if (QUENDA_Init(sDataDir.c_str()) != 1) {
-    err << "tarvos: cannot start the lexical analyser on " << sDataDir;
-    std::string sError = GetLastError();
-    if (!sError.empty()) err << ": " << sError;
-    err << "\n";
-    return 1;
-  }
-  if (!sUserDict.empty() && QUENDA_ImportUserDict(sUserDict.c_str(), false) <= 0) {
-    err << "tarvos: no word imported from " << sUserDict << ": " << GetLastError() << "\n";
-    QUENDA_Exit();
+  if (!StartEngine(sDataDir, err)) return 1;
+  if (!sUserDict.empty() && TARVOS_ImportUserDict(sUserDict.c_str()) <= 0) {
+    err << "tarvos: no word imported from " << sUserDict << ": " << TARVOS_GetLastErrorMsg() << "\n";
+    TARVOS_Exit();
     return 1;
   }
   std::string sLine;
   while (std::getline(in, sLine)) {
     if (!sLine.empty() && sLine.back() == '\r') sLine.pop_back();
-    out << QUENDA_ParagraphProcess(sLine, bTags) << '\n';
+    const char* sWords = TARVOS_SegmentText(sLine.c_str(), bTags);
+    out << (sWords ? sWords : "") << '\n';
   }
-  QUENDA_Exit();
+  TARVOS_Exit();
   return 0;
 }

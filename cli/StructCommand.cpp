@@ -1,24 +1,41 @@
 #include "cli/StructCommand.h"
 
-#include "docx/DocxParser.h"
-#include "utility/ErrorLog.h"
-#include "utility/lexical/Lexical.h"
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "cli/DataDir.h"
+#include "tarvos.h"
+
+namespace {
+
+// A count of the structure file: "<ParaCount>12</ParaCount>" in XML,
+// "\"ParaCount\": 12" in JSON.
+long CountIn(const std::string& sText, const std::string& sName) {
+  size_t nXml = sText.find("<" + sName + ">");
+  if (nXml != std::string::npos) return atol(sText.c_str() + nXml + sName.size() + 2);
+  size_t nJson = sText.find("\"" + sName + "\":");
+  return nJson == std::string::npos ? 0 : atol(sText.c_str() + nJson + sName.size() + 3);
+}
+
+}  // namespace
 
 int RunStruct(const std::string& sDataDir, const std::string& sFile, bool bJson, std::ostream& out,
               std::ostream& err) {
-  // The segmenter fills each paragraph's segmented text; without it the
-  // structure is still written, with that text empty.
-  if (QUENDA_Init(sDataDir.c_str()) != 1)
-    err << "tarvos: note: no lexical analyser on " << sDataDir << ", segmented texts stay empty\n";
-  CDocxParser parser;
-  const char* sResult = parser.ImportDocx(sFile.c_str(), "", 0, bJson ? 1 : 0);
-  QUENDA_Exit();
-  if (sResult == nullptr) {
-    err << "tarvos: " << sFile << ": " << GetLastError() << "\n";
+  if (!StartEngine(sDataDir, err)) return 1;
+  const char* sPath = TARVOS_ImportDocFormat(sFile.c_str(), "", bJson ? 1 : 0, 0);
+  if (sPath == nullptr) {
+    err << "tarvos: " << sFile << ": " << TARVOS_GetLastErrorMsg() << "\n";
+    TARVOS_Exit();
     return 1;
   }
+  const std::string sResult = sPath;
+  TARVOS_Exit();
   out << sResult << "\n";
-  err << parser.m_vecParagraph.size() << " paragraphs, " << parser.m_vecTable.size() << " tables, "
-      << parser.m_vecFigure.size() << " figures\n";
+  std::ifstream in(sResult, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  err << CountIn(text.str(), "ParaCount") << " paragraphs, " << CountIn(text.str(), "TableCount") << " tables, "
+      << CountIn(text.str(), "FigureCount") << " figures\n";
   return 0;
 }

@@ -4,6 +4,8 @@
 // spacings it uses with their weights and its numbering pattern, plus the
 // texts a conforming document must contain. It learns a template from a
 // sample DOCX, writes the template text the store keeps, and reads it back.
+// Comparing a document with it is the format check's job; once read, a
+// template is not changed by a check.
 //
 // Template text (tags found by substring search; "\r\n" line breaks):
 //   "<DocTemplate><DocFormat>"
@@ -41,8 +43,6 @@ typedef std::map<int, _tFormat> Level2Format;
 const std::vector<std::pair<tstring, int>>& SectionTypeNames();
 void SectionTypeMaps(std::map<int, tstring>& mapLevelId2Type, std::map<tstring, int>& mapType2LevelId);
 
-class CCheckResult;
-class CNum2FontSize;
 
 class CDocFormat {
  public:
@@ -67,16 +67,11 @@ class CDocFormat {
   // level, its numbering pattern to a format.
   void FormatStatistic(const _tParagraph& para, _tFormat& format, int nFreq) const;
 
-  // Compares a paragraph's spacing, size, font and numbering with the format
-  // of its level and adds a finding per difference; marks the required texts
-  // it contains. Plain body text, tables, figures, text boxes, table columns
-  // and the front pages are not compared. Returns 1.
-  int CheckFormatOnParagraph(_tParagraph& para, CCheckResult* pCheckResult);
-  // Adds a "12.1" finding, anchored at nID, for every required text no
-  // compared paragraph contained; returns how many. The marks stay set.
-  int CheckRequired(CCheckResult* pCheckResult, unsigned int nID);
-  // Size names for findings ("小四"); points when not set. Not owned.
-  void SetSizeNames(const CNum2FontSize* pSizeNames) { m_pSizeNames = pSizeNames; }
+  // The format of a level; the body text's when the template lacks the
+  // level (logged), an empty format when it lacks that too.
+  const _tFormat& FormatOfLevel(int nLevel) const;
+  // The id of each required text found in a text (normalised first).
+  std::vector<int> FindRequired(const tstring& sText) const;
 
   bool IsEmpty() const { return m_leve2Format.empty(); }
   void Destroy();
@@ -85,13 +80,4 @@ class CDocFormat {
   std::vector<tstring> m_vecRequired;    // required texts, normalised
   std::unique_ptr<CPDAT> m_pDict;        // required text -> id
   std::unique_ptr<CWordList> m_pWordList;  // id -> required text
-  std::vector<bool> m_pExists;           // per required text: found in the document
-
- private:
-  void MarkRequired(const tstring& sText);
-  // The format of a level; the body text's when the template lacks the level.
-  const _tFormat& FormatOfLevel(int nLevel) const;
-  tstring SizeName(int nHalfPoints) const;
-
-  const CNum2FontSize* m_pSizeNames = nullptr;
 };

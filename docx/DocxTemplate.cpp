@@ -1,6 +1,7 @@
 #include "docx/DocxTemplate.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -9,6 +10,7 @@
 #include "docx/DocFormat.h"
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
+#include "utility/JsonText.h"
 
 namespace {
 
@@ -174,7 +176,9 @@ void CDocxTemplate::Indexing() {
     if (t.argu_id >= 0) fnAppend(kTypeLists + nTerms + t.argu_id, (int32_t)i);
     if (t.area_id >= 0) fnAppend(kTypeLists + nTerms + t.area_id, (int32_t)i);
   }
-  // The pool is not emptied: earlier ranges stay in it, unreferenced.
+  // Every list is made anew, so the pool is too: a save of an unchanged
+  // store writes the same index.
+  m_pIntArray->Clear();
   m_pInvertList.clear();
   for (const auto& vecList : vecLists) m_pInvertList.push_back(_tFormatInvertList{vecList.size(), m_pIntArray->Append(vecList)});
 }
@@ -232,14 +236,17 @@ int CDocxTemplate::RebuildAll() {
   return 1;
 }
 
-const char* CDocxTemplate::GetFileContent(uint64_t nOffset, uint64_t nSize, tstring& sStr) {
+// pread, not a seek and a read: checks on several threads read texts at once.
+const char* CDocxTemplate::GetFileContent(uint64_t nOffset, uint64_t nSize, tstring& sStr) const {
   sStr.clear();
-  if (m_fpTemplateData == nullptr || fseeko(m_fpTemplateData, (off_t)nOffset, SEEK_SET) != 0) return sStr.c_str();
+  if (m_fpTemplateData == nullptr) return sStr.c_str();
+  const int nFile = fileno(m_fpTemplateData);
   struct stat st;
-  if (fstat(fileno(m_fpTemplateData), &st) != 0 || nOffset + nSize > (uint64_t)st.st_size) return sStr.c_str();
+  if (fstat(nFile, &st) != 0 || nOffset + nSize > (uint64_t)st.st_size || nOffset + nSize < nOffset)
+    return sStr.c_str();
   sStr.resize(nSize);
-  size_t nRead = fread(&sStr[0], 1, nSize, m_fpTemplateData);
-  sStr.resize(nRead);
+  ssize_t nRead = nSize ? pread(nFile, &sStr[0], nSize, (off_t)nOffset) : 0;
+  sStr.resize(nRead > 0 ? (size_t)nRead : 0);
   sStr.resize(strlen(sStr.c_str()));  // a text ends at its first zero byte
   return sStr.c_str();
 }
@@ -287,10 +294,14 @@ int CDocxTemplate::ImportTemplate(int reportType, const char* sOrganization, con
 
 int CDocxTemplate::EditTemplate(int nTemplateID, int reportType, const char* sOrganization, const char* sArea,
                                 const char* sArgu, const char* sTemplateFile) {
+  if (!m_bDirty) Data2Org();
+  if (nTemplateID < 0 || (size_t)nTemplateID >= m_vecTemplateOrg.size()) {
+    SetLastError("No template " + std::to_string(nTemplateID));
+    return -1;
+  }
   _tTemplateOrg record;
   bool bText = MakeRecord(reportType, sOrganization, sArea, sArgu, sTemplateFile, record);
   m_bDirty = true;
-  if (nTemplateID < 0 || (size_t)nTemplateID >= m_vecTemplateOrg.size()) return nTemplateID;  // nothing to replace
   if (!bText) {  // only the keys change
     record.template_data_offset = m_vecTemplateOrg[nTemplateID].template_data_offset;
     record.template_data_size = m_vecTemplateOrg[nTemplateID].template_data_size;
@@ -315,7 +326,7 @@ std::vector<int32_t> CDocxTemplate::List(int64_t nList) const {
 }
 
 int CDocxTemplate::FindTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
-                                bool bPrecise) {
+                                bool bPrecise) const {
   const int nAny = m_pDict->GetId("*");
   auto fnId = [&](const char* s) {
     int nId = m_pDict->GetId(s ? s : "");
@@ -338,7 +349,7 @@ int CDocxTemplate::FindTemplate(int reportType, const char* sOrganization, const
 }
 
 int CDocxTemplate::FindTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
-                                CDocFormat& docFormat) {
+                                CDocFormat& docFormat) const {
   if (m_nTemplateCount == 0) return -1;
   int nFound = FindTemplate(reportType, sOrganization, sArea, sArgu, false);
   const _tTemplate& t = m_pTemplateList[nFound >= 0 ? nFound : 0];
@@ -348,33 +359,44 @@ int CDocxTemplate::FindTemplate(int reportType, const char* sOrganization, const
   return nFound;
 }
 
-const char* CDocxTemplate::GetTemplate(int nTemplateID) {
-  m_sResult.clear();
-  if (nTemplateID < 0 || (size_t)nTemplateID >= m_nTemplateCount || m_pTemplateList[nTemplateID].reportType < 0)
-    return m_sResult.c_str();
+bool CDocxTemplate::IsLive(int nTemplateID) const {
+  return nTemplateID >= 0 && (size_t)nTemplateID < m_nTemplateCount && m_pTemplateList[nTemplateID].reportType >= 0;
+}
+
+tstring CDocxTemplate::GetTemplate(int nTemplateID) const {
+  if (!IsLive(nTemplateID)) return "";
   const _tTemplate& t = m_pTemplateList[nTemplateID];
   tstring sText;
   GetFileContent(t.template_data_offset, t.template_data_size, sText);
-  m_sResult = "{\r\n  \"docReportType\": \"" + std::to_string(t.reportType) + "\",\r\n  \"zyg_organization\": \"" +
-              m_pWordList->GetWord(t.organization_id) + "\",\r\n  \"zyg_argument\": \"" + m_pWordList->GetWord(t.argu_id) +
-              "\",\r\n  \"zyg_area\": \"" + m_pWordList->GetWord(t.area_id) + "\",\r\n  \"zyg_format\": \"" + sText +
-              "\"\r\n}\r\n";
-  return m_sResult.c_str();
+  return "{\r\n  \"docReportType\": \"" + std::to_string(t.reportType) + "\",\r\n  \"zyg_organization\": \"" +
+         m_pWordList->GetWord(t.organization_id) + "\",\r\n  \"zyg_argument\": \"" + m_pWordList->GetWord(t.argu_id) +
+         "\",\r\n  \"zyg_area\": \"" + m_pWordList->GetWord(t.area_id) + "\",\r\n  \"zyg_format\": \"" + sText +
+         "\"\r\n}\r\n";
 }
 
-int CDocxTemplate::GetTemplate(int nTemplateID, CDocFormat& docFormat) {
-  tstring sJson = GetTemplate(nTemplateID);
-  const char* sKey = "\"zyg_format\": \"";
-  size_t nStart = sJson.find(sKey);
-  if (nStart == tstring::npos) return -1;
-  nStart += strlen(sKey);
-  size_t nEnd = sJson.rfind("\"\r\n}");
-  if (nEnd == tstring::npos || nEnd < nStart) return -1;
-  docFormat.Import(sJson.data() + nStart, sJson.data() + nEnd, m_mapType2LevelId);
+tstring CDocxTemplate::GetTemplateJson(int nTemplateID) const {
+  if (!IsLive(nTemplateID)) return "";
+  const _tTemplate& t = m_pTemplateList[nTemplateID];
+  Json::Value root;
+  root["docReportType"] = std::to_string(t.reportType);
+  root["zyg_organization"] = m_pWordList->GetWord(t.organization_id);
+  root["zyg_argument"] = m_pWordList->GetWord(t.argu_id);
+  root["zyg_area"] = m_pWordList->GetWord(t.area_id);
+  tstring sText;
+  root["zyg_format"] = GetFileContent(t.template_data_offset, t.template_data_size, sText);
+  return JsonText(root);
+}
+
+int CDocxTemplate::GetTemplate(int nTemplateID, CDocFormat& docFormat) const {
+  if (!IsLive(nTemplateID)) return -1;
+  const _tTemplate& t = m_pTemplateList[nTemplateID];
+  tstring sText;
+  GetFileContent(t.template_data_offset, t.template_data_size, sText);
+  docFormat.Import(sText.data(), sText.data() + sText.size(), m_mapType2LevelId);
   return nTemplateID;
 }
 
-const char* CDocxTemplate::GetTemplateList(int reportType, const char* sOrganization) {
+tstring CDocxTemplate::GetTemplateList(int reportType, const char* sOrganization) const {
   const int nOrg = m_pDict->GetId(sOrganization ? sOrganization : "");
   std::vector<int32_t> vecCandidates;
   if (nOrg >= 0 && reportType >= 0) {
@@ -391,17 +413,17 @@ const char* CDocxTemplate::GetTemplateList(int reportType, const char* sOrganiza
     if (!sArgu.empty() && std::find(vecArgu.begin(), vecArgu.end(), sArgu) == vecArgu.end()) vecArgu.push_back(sArgu);
     if (!sArea.empty() && std::find(vecArea.begin(), vecArea.end(), sArea) == vecArea.end()) vecArea.push_back(sArea);
   }
-  m_sResult = "{\r\n  \"ArguCount\": " + std::to_string(vecArgu.size()) + ",\r\n  \"ArguList\": [";
+  tstring sResult = "{\r\n  \"ArguCount\": " + std::to_string(vecArgu.size()) + ",\r\n  \"ArguList\": [";
   for (size_t i = 0; i < vecArgu.size(); ++i)
-    m_sResult += tstring(i ? "," : "") + "\r\n    {\"argu\": \"" + vecArgu[i] + "\"}";
-  m_sResult += "\r\n  ],\"AreaCount\": " + std::to_string(vecArea.size()) + ",\r\n  \"AreaList\": [";
+    sResult += tstring(i ? "," : "") + "\r\n    {\"argu\": \"" + vecArgu[i] + "\"}";
+  sResult += "\r\n  ],\"AreaCount\": " + std::to_string(vecArea.size()) + ",\r\n  \"AreaList\": [";
   for (size_t i = 0; i < vecArea.size(); ++i)
-    m_sResult += tstring(i ? "," : "") + "\r\n    {\"area\": \"" + vecArea[i] + "\"}";
-  m_sResult += "\r\n  ]\r\n}";
-  return m_sResult.c_str();
+    sResult += tstring(i ? "," : "") + "\r\n    {\"area\": \"" + vecArea[i] + "\"}";
+  sResult += "\r\n  ]\r\n}";
+  return sResult;
 }
 
-int CDocxTemplate::Export() {
+int CDocxTemplate::Export() const {
   tstring sFile = File("docTemplate_export.txt");
   FILE* fp = fopen(sFile.c_str(), "wt");
   if (fp == nullptr) {

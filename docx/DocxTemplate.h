@@ -15,6 +15,9 @@
 // organisation; 20 + D + id those of an argument or area (D key strings).
 // Every file that replaces another is written under a temporary name and
 // renamed into place, so a crash leaves the old store whole.
+//
+// The const calls (finding and reading templates) are safe from several
+// threads at once; the calls that change the store must run alone.
 #include <cstdint>
 #include <cstdio>
 #include <ctime>
@@ -71,19 +74,27 @@ class CDocxTemplate {
                    const char* sTemplateFile);
   int DeleteTemplate(int nTemplateID);
   // The template filed under the keys; "*" stands for any value unless bPrecise.
-  int FindTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu, bool bPrecise);
+  int FindTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
+                   bool bPrecise) const;
   // As above, not precise; fills docFormat (template 0 when none fits). -1 and
   // nothing filled only for an empty store.
   int FindTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
-                   CDocFormat& docFormat);
-  // The template as JSON (texts unescaped); "" for an unknown id. Valid
-  // until the next GetTemplate or GetTemplateList.
-  const char* GetTemplate(int nTemplateID);
-  int GetTemplate(int nTemplateID, CDocFormat& docFormat);
-  const char* GetTemplateList(int reportType, const char* sOrganization);
+                   CDocFormat& docFormat) const;
+  // The template as JSON; "" for an unknown id. Its values are written as
+  // they are, unescaped, so the text is not well-formed JSON (the template
+  // text holds line breaks and quotes): GetTemplateJson gives the same
+  // object well-formed.
+  tstring GetTemplate(int nTemplateID) const;
+  tstring GetTemplateJson(int nTemplateID) const;
+  // Reads template nTemplateID into docFormat. Its id; -1 for an unknown id.
+  int GetTemplate(int nTemplateID, CDocFormat& docFormat) const;
+  // The arguments and areas of a report type and organisation as JSON (the
+  // names unescaped, as GetTemplate's values).
+  tstring GetTemplateList(int reportType, const char* sOrganization) const;
   size_t GetCount() const { return m_nTemplateCount; }
-  int Export();
-  const char* GetFileContent(uint64_t nOffset, uint64_t nSize, tstring& sStr);
+  int Export() const;
+  // A stored text; safe from several threads at once.
+  const char* GetFileContent(uint64_t nOffset, uint64_t nSize, tstring& sStr) const;
 
   const std::map<int, tstring>& GetLevelNames() const { return m_mapLevelId2Type; }
 
@@ -94,6 +105,7 @@ class CDocxTemplate {
   bool WriteIndex(const tstring& sFile) const;
   bool ReadIndex(const tstring& sFile);
   std::vector<int32_t> List(int64_t nList) const;
+  bool IsLive(int nTemplateID) const;
   bool MakeRecord(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
                   const char* sTemplateFile, _tTemplateOrg& record);
   tstring File(const char* sName) const { return m_sDataPath + sName; }
@@ -112,5 +124,4 @@ class CDocxTemplate {
   tstring m_sDataPath;                             // "<data>/data/template/"
   bool m_bDirty = false;                           // records changed since the last save
   bool m_bFileDirty = false;                       // the data file holds texts no record uses, or new ones
-  tstring m_sResult;
 };

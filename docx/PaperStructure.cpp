@@ -3,21 +3,11 @@
 #include <strings.h>
 
 #include <algorithm>
-#include <set>
+#include <cstring>
 
-#include "checker/CheckResult.h"
-#include "docx/DocxParser.h"
 #include "utility/TextNormalizer.h"
 
 namespace {
-
-enum EPaperLevel {
-  kMainText = -500,
-  kAbstractCaptionCn = -503, kAbstractTextCn = -504, kKeywordCn = -505,
-  kAbstractCaptionEn = -506, kAbstractTextEn = -507, kKeywordEn = -508,
-  kReferenceCaption = -509, kReferenceText = -510, kAcknowledge = -511,
-  kAuthor = -513, kMajor = -514, kSupervisor = -515,
-};
 
 tstring Compact(const tstring& sText) {
   tstring s = NormalizeText(sText);
@@ -61,16 +51,6 @@ int BlockLevel(int nCaption) {
   }
 }
 
-bool HeadingHolds(const CDocxParser& parser, std::initializer_list<const char*> words) {
-  for (int nIndex : parser.m_vecDocStruct) {
-    const _tParagraph& para = parser.m_vecParagraph[nIndex];
-    if (para.level != 1) continue;
-    for (const char* szWord : words)
-      if (strcasestr(para.text.c_str(), szWord) != nullptr) return true;
-  }
-  return false;
-}
-
 }  // namespace
 
 void CPaperStructure::Classify(std::vector<_tParagraph>& vecParagraph) {
@@ -101,38 +81,4 @@ void CPaperStructure::Classify(std::vector<_tParagraph>& vecParagraph) {
       bMainMarked = true;
     }
   }
-}
-
-int CPaperStructure::CheckParts(const CDocxParser& parser, CCheckResult& result) {
-  std::set<int> setLevels;
-  for (const _tParagraph& para : parser.m_vecParagraph) setLevels.insert(para.level);
-  auto fnHas = [&](int nLevel) { return setLevels.count(nLevel) != 0; };
-  const struct {
-    const char* szErrorId;
-    const char* szPart;
-    bool bPresent;
-  } kParts[] = {
-      {"14.1", "摘要", fnHas(kAbstractCaptionCn)},
-      {"14.2", "Abstract", fnHas(kAbstractCaptionEn)},
-      {"14.3", "关键词", fnHas(kKeywordCn)},
-      {"14.4", "Keywords", fnHas(kKeywordEn)},
-      {"14.5", "目录", !parser.m_vecContentStruct.empty()},
-      {"14.6", "绪论", HeadingHolds(parser, {"绪论", "引言", "前言", "Introduction"})},
-      {"14.7", "结论", HeadingHolds(parser, {"结论", "总结", "结束语", "Conclusion"})},
-      {"14.8", "参考文献", fnHas(kReferenceCaption) || parser.m_nReferenceStartIndex >= 0},
-      {"14.9", "致谢", fnHas(kAcknowledge)},
-  };
-  int nAdded = 0;
-  for (const auto& part : kParts) {
-    if (part.bPresent) continue;
-    _tCheckResult finding;
-    finding.para_id = (uint32_t)-1;
-    finding.error_id = part.szErrorId;
-    finding.field_id = 5;
-    finding.revise_type = 4;
-    finding.new_str = part.szPart;
-    result.AddResult(finding);
-    ++nAdded;
-  }
-  return nAdded;
 }

@@ -4,8 +4,9 @@
 
 #include <cstdio>
 
-#include "docx/DocxParser.h"
+#include "docx/Document.h"
 #include "utility/CodePage.h"
+#include "utility/ErrorLog.h"
 
 namespace {
 
@@ -43,12 +44,12 @@ tstring Quote(const tstring& sText) { return Json::valueToQuotedString(sText.c_s
 
 const _tParagraph* CStructureWriter::CaptionOf(const _tParagraph& para) const {
   int nCaption = -1;
-  if (para.level == kLevelTable && para.id < m_parser.m_vecTable.size())
-    nCaption = m_parser.m_vecTable[para.id].caption_index;
-  else if (para.level == kLevelFigure && para.id < m_parser.m_vecFigure.size())
-    nCaption = (int)m_parser.m_vecFigure[para.id].caption_index;
-  if (nCaption < 0 || (size_t)nCaption >= m_parser.m_vecParagraph.size()) return nullptr;
-  return &m_parser.m_vecParagraph[nCaption];
+  if (para.level == kLevelTable && para.id < m_doc.m_vecTable.size())
+    nCaption = m_doc.m_vecTable[para.id].caption_index;
+  else if (para.level == kLevelFigure && para.id < m_doc.m_vecFigure.size())
+    nCaption = (int)m_doc.m_vecFigure[para.id].caption_index;
+  if (nCaption < 0 || (size_t)nCaption >= m_doc.m_vecParagraph.size()) return nullptr;
+  return &m_doc.m_vecParagraph[nCaption];
 }
 
 void CStructureWriter::ParaXml(const _tParagraph& para, const char* sIdSuffix, const _tParagraph* pCaption,
@@ -70,7 +71,8 @@ void CStructureWriter::ParaXml(const _tParagraph& para, const char* sIdSuffix, c
 }
 
 tstring CStructureWriter::Xml() const {
-  const CDocxParser& p = m_parser;
+  const CDocument& p = m_doc;
+  const _tCharCount count = p.DocCharStat();
   tstring s;
   Line(s, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>");
   Line(s, "<Docx>");
@@ -81,12 +83,12 @@ tstring CStructureWriter::Xml() const {
   Line(s, Element("pages_count", std::to_string(p.m_vecPageParaId.size())));
   tstring sPages, sFormulas;
   for (uint32_t nId : p.m_vecPageParaId) sPages += Hex(nId) + " ";
-  for (int nIndex : p.m_vecFormulaIndex) sFormulas += std::to_string(nIndex) + " ";
+  for (int nIndex : p.FormulaIndexes()) sFormulas += std::to_string(nIndex) + " ";
   Line(s, Element("pages_paraID", sPages));
   Line(s, Element("formular_index", sFormulas));
-  Line(s, Element("SingleByteCharCount", std::to_string(p.m_nSingleCharCount)));
-  Line(s, Element("MultiByteCharCount", std::to_string(p.m_nMultiCharCount)));
-  Line(s, Element("CharCount", std::to_string(p.m_nCharCount)));
+  Line(s, Element("SingleByteCharCount", std::to_string(count.single_byte)));
+  Line(s, Element("MultiByteCharCount", std::to_string(count.multi_byte)));
+  Line(s, Element("CharCount", std::to_string(count.total)));
   Line(s, "<Headers>");
   for (const _tParagraph& para : p.m_vecHeadFooter[0]) ParaXml(para, "", nullptr, s);
   Line(s, "</Headers>");
@@ -94,8 +96,8 @@ tstring CStructureWriter::Xml() const {
   for (const _tParagraph& para : p.m_vecHeadFooter[1]) ParaXml(para, "", nullptr, s);
   Line(s, "</Footers>");
   Line(s, "<ContentStructs>");
-  Line(s, Element("ContentCount", std::to_string(p.m_vecContentStruct.size())));
-  for (int nIndex : p.m_vecContentStruct) {
+  Line(s, Element("ContentCount", std::to_string(p.ContentEntries().size())));
+  for (int nIndex : p.ContentEntries()) {
     Line(s, "<content>");
     ParaXml(p.m_vecParagraph[nIndex], "", nullptr, s);
     Line(s, "</content>");
@@ -162,7 +164,8 @@ tstring CStructureWriter::ParaJson(const _tParagraph& para, const _tParagraph* p
 }
 
 tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
-  const CDocxParser& p = m_parser;
+  const CDocument& p = m_doc;
+  const _tCharCount count = p.DocCharStat();
   auto fnList = [](const std::vector<tstring>& vecItems) {
     tstring s = "[";
     for (size_t i = 0; i < vecItems.size(); ++i) s += (i ? ", " : "") + vecItems[i];
@@ -170,18 +173,18 @@ tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
   };
   std::vector<tstring> vecPages, vecFormulas, vecHeaders, vecFooters, vecContents, vecParas;
   for (uint32_t nId : p.m_vecPageParaId) vecPages.push_back(Quote(Hex(nId)));
-  for (int nIndex : p.m_vecFormulaIndex) vecFormulas.push_back(std::to_string(nIndex));
+  for (int nIndex : p.FormulaIndexes()) vecFormulas.push_back(std::to_string(nIndex));
   for (const _tParagraph& para : p.m_vecHeadFooter[0]) vecHeaders.push_back(ParaJson(para, nullptr));
   for (const _tParagraph& para : p.m_vecHeadFooter[1]) vecFooters.push_back(ParaJson(para, nullptr));
-  for (int nIndex : p.m_vecContentStruct) vecContents.push_back(ParaJson(p.m_vecParagraph[nIndex], nullptr));
+  for (int nIndex : p.ContentEntries()) vecContents.push_back(ParaJson(p.m_vecParagraph[nIndex], nullptr));
   for (const _tParagraph& para : p.m_vecParagraph) vecParas.push_back(ParaJson(para, CaptionOf(para)));
   tstring s = "{\"docxPath\": " + Quote(ANSIToUTF8(p.m_sPath)) + ", \"docxFile\": " + Quote(ANSIToUTF8(p.m_sFilename)) +
               ", \"format\": " + Quote(p.m_sDocFormatExt) + ", \"url_prefix\": " + Quote(p.m_sURLPrefix) +
               ", \"pages_count\": " + std::to_string(p.m_vecPageParaId.size()) + ", \"pages_paraID\": " +
               fnList(vecPages) + ", \"formular_index\": " + fnList(vecFormulas) +
-              ", \"SingleByteCharCount\": " + std::to_string(p.m_nSingleCharCount) +
-              ", \"MultiByteCharCount\": " + std::to_string(p.m_nMultiCharCount) +
-              ", \"CharCount\": " + std::to_string(p.m_nCharCount) + ", \"Headers\": " + fnList(vecHeaders) +
+              ", \"SingleByteCharCount\": " + std::to_string(count.single_byte) +
+              ", \"MultiByteCharCount\": " + std::to_string(count.multi_byte) +
+              ", \"CharCount\": " + std::to_string(count.total) + ", \"Headers\": " + fnList(vecHeaders) +
               ", \"Footers\": " + fnList(vecFooters) + ", \"ContentCount\": " + std::to_string(vecContents.size()) +
               ", \"Contents\": " + fnList(vecContents) + ", \"ParaCount\": " + std::to_string(vecParas.size()) +
               ", \"Paras\": " + fnList(vecParas);
@@ -214,4 +217,34 @@ tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
          fnList(vecFigures) + "}";
   }
   return s + "}\n";
+}
+
+tstring CStructureWriter::WriteBeside(const CDocument& doc, const tstring& sSuffix, const tstring& sText) {
+  const tstring sFile = doc.m_sPath + "/../" + doc.m_sFilename + sSuffix;
+  FILE* fp = fopen(sFile.c_str(), "wb");
+  bool bOk = fp != nullptr && fwrite(sText.data(), 1, sText.size(), fp) == sText.size();
+  if (fp != nullptr && fclose(fp) != 0) bOk = false;
+  if (!bOk) {
+    SetLastError("Fail write file " + sFile);
+    return "";
+  }
+  return sFile;
+}
+
+tstring CStructureWriter::WriteStructureFile(const CDocument& doc, int nResultFormat) {
+  CStructureWriter writer(doc);
+  return nResultFormat == 0 ? WriteBeside(doc, ".xml", writer.Xml()) : WriteBeside(doc, ".json", writer.Json(true));
+}
+
+tstring CStructureWriter::ContentXml() const {
+  tstring sXml = Xml();
+  size_t nLineEnd = sXml.find("\r\n");
+  return nLineEnd == tstring::npos ? sXml : sXml.substr(nLineEnd + 2);
+}
+
+tstring CStructureWriter::WriteContentFile(const CDocument& doc, bool bJson) {
+  CStructureWriter writer(doc);
+  if (bJson) return WriteBeside(doc, "_Content.json", writer.Json(true));
+  return WriteBeside(doc, "_Content.xml",
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n" + writer.ContentXml());
 }

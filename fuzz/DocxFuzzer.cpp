@@ -9,7 +9,10 @@
 #include <string>
 
 #include "FuzzSupport.h"
+#include "docx/Document.h"
+#include "docx/DocxPackage.h"
 #include "docx/DocxParser.h"
+#include "docx/StructureWriter.h"
 
 namespace {
 
@@ -27,10 +30,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   if (nSize < 1 || nSize > kMaxFuzzInput) return 0;
   const int nKind = pData[0] % 5;
   const std::string sBytes(reinterpret_cast<const char*>(pData + 1), nSize - 1);
-  CDocxParser parser;
+  CDocxPackage package;
+  CDocument doc;
   if (nKind == 0) {
     std::string sFile = WriteRaw("pkg.docx", pData + 1, nSize - 1);
-    if (parser.ReadDocx(sFile.c_str()) == 1) parser.ParseStruct(0, "", true);
+    if (package.ReadDocx(sFile.c_str()) == 1) CDocxParser().ParseStruct(package, 0, "", true, doc);
   } else {
     const std::string sFolder = FuzzPath("doc_unzip");
     mkdir(sFolder.c_str(), 0777);
@@ -40,11 +44,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     WritePart(sFolder, "word/styles.xml", nKind == 2 ? sBytes : "<w:styles/>");
     WritePart(sFolder, "word/_rels/document.xml.rels", nKind == 3 ? sBytes : "<Relationships/>");
     WritePart(sFolder, "word/header1.xml", nKind == 4 ? sBytes : "<w:hdr/>");
-    parser.m_sPath = sFolder;
-    parser.m_sFilename = "doc";
-    parser.ParseStruct(0, "", true);
+    package.SetUnpacked(sFolder, "doc");
+    CDocxParser().ParseStruct(package, 0, "", true, doc);
   }
-  parser.GetXMLData();
-  parser.GetJsonData(true);
+  CStructureWriter(doc).Xml();
+  CStructureWriter(doc).Json(true);
   return 0;
 }

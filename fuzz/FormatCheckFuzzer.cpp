@@ -12,6 +12,8 @@
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
 #include "docx/DocFormat.h"
+#include "docx/Document.h"
+#include "docx/DocxPackage.h"
 #include "docx/DocxParser.h"
 
 namespace {
@@ -46,20 +48,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
   mkdir(sFolder.c_str(), 0777);
   mkdir((sFolder + "/word").c_str(), 0777);
   std::ofstream(sFolder + "/word/document.xml", std::ios::binary) << (bTemplateFromFuzz ? std::string(kDocument) : sBytes);
-  CDocxParser parser;
-  parser.m_sPath = sFolder;
-  parser.m_sFilename = "doc";
-  if (parser.ParseStruct(nType, "", false) < 0) return 0;
-  static CDocFormatCheck s_checker(FuzzPath("fmt_data").c_str());  // empty store: order checks only
+  CDocxPackage package;
+  package.SetUnpacked(sFolder, "doc");
+  CDocument doc;
+  if (CDocxParser().ParseStruct(package, nType, "", false, doc) < 0) return 0;
+  static CDocFormatCheck s_checker(FuzzPath("fmt_data").c_str(), nullptr);  // empty store: order checks only
   CCheckResult result;
-  s_checker.Check(&parser, &result, nType);
+  s_checker.Check(doc, result, nType, _tTemplateKeys::ForOrganization(""));
   std::map<std::string, int> mapType2Level;
   std::map<int, std::string> mapLevel2Type;
   SectionTypeMaps(mapLevel2Type, mapType2Level);
   CDocFormat format;
   const std::string sTemplate = bTemplateFromFuzz ? sBytes : std::string(kTemplate);
   format.Import(sTemplate.data(), sTemplate.data() + sTemplate.size(), mapType2Level);
-  s_checker.CheckWithFormat(&parser, &result, format);
+  s_checker.CheckWithFormat(doc, result, format);
   result.SortResult();
   return 0;
 }

@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* pData, size_t nSize) {
     return 0;
   }
   std::vector<_tToken> vecTokens;
-  QUENDA_Segment(sRest, vecTokens);
+  QUENDA_Analyser()->Segment(sRest, vecTokens);
   std::string sJoined;
   for (const _tToken& t : vecTokens) sJoined.append(sRest, t.offset, t.length);
   // Words of earlier fuzz dictionaries may hold blanks: compare without them.

@@ -37,8 +37,12 @@
  *   Returned text is owned by the engine; never free it, copy it to keep it.
  *   Each function returning const char* names one of these lifetimes:
  *     STATIC    constant text, valid while the library is loaded.
- *     INSTANCE  owned by the instance `handle`; valid until that instance is
- *               deleted (TARVOS_DeleteInstance or TARVOS_Exit).
+ *     INSTANCE  owned by the instance `handle`, which keeps the latest text
+ *               of each call (of each result type for TARVOS_GetResult);
+ *               valid until the same call on that instance returns again,
+ *               or the instance is deleted (TARVOS_DeleteInstance or
+ *               TARVOS_Exit). An instance does not grow with the number of
+ *               calls made on it.
  *     SERVICE   owned by a process-wide service; valid until the next call
  *               of the same family that returns text, or TARVOS_Exit.
  *     THREAD    a copy kept for the calling thread; valid until this thread's
@@ -49,8 +53,14 @@
  *
  *   Threads. TARVOS_Init and TARVOS_Exit must not overlap any other call. One
  *   instance is used by one thread at a time; different instances may be used
- *   from different threads at once. Template and rule-editing calls are
- *   expected from one thread.
+ *   from different threads at once, and give the results a sequential run
+ *   would. Calls that change a shared service (template and rule editing,
+ *   dictionary and catalogue imports) may come from any thread at any time:
+ *   they wait until running checks end, and checks started meanwhile wait
+ *   for them, so a check sees a service wholly before or wholly after a
+ *   change. TARVOS_GetLastErrorMsg is the last failure of the whole process;
+ *   a host checking on several threads reads its own thread's reason with
+ *   TARVOS_GetThreadLastErrorMsg.
  *
  *   Services still being built. A call whose service is not available in this
  *   build fails with its documented status and a last-error text that names
@@ -95,7 +105,8 @@ TARVOS_API void TARVOS_Exit(void);
    line after one header line) into the catalogue, then saves the catalogue to
    "../Data/Error/ErrorMessage.dat" relative to the working directory that
    TARVOS_Init saw. Returns the number of ids saved; 0 when not initialised;
-   -1 when the list cannot be read or the catalogue cannot be written. */
+   -1 when the list cannot be read (the catalogue is then left as it was) or
+   the catalogue cannot be written. */
 TARVOS_API int TARVOS_ImportErrorMsg(const char* sErrorListFile);
 
 /* Adds a list of similar words to the similar-word dictionary.
@@ -113,13 +124,30 @@ TARVOS_API int TARVOS_ImportUserDict(const char* sUserDict);
 
 /* Imports a keyword dictionary into the keyword scanner (lines
    "keyword class weight pinyin_flag"). Returns the number of keywords
-   imported; 0 on failure. */
+   imported; 0 on failure, also when the scanner is off ("FilterCheck"). */
 TARVOS_API int TARVOS_ImportFieldDict(const char* sFiledDictFile, bool bPinyinAbbrevNeeded,
                                       bool bOverwrite);
 
 /* The text of the last failure in the process (any thread), or "" if none.
    Owner: engine (THREAD). Never NULL. */
 TARVOS_API const char* TARVOS_GetLastErrorMsg(void);
+
+/* The text of the calling thread's own last failure, or "" if it never
+   failed: what a host checking on several threads reads after a call on
+   this thread failed. Owner: engine (THREAD). Never NULL. */
+TARVOS_API const char* TARVOS_GetThreadLastErrorMsg(void);
+
+/* What the started engine runs, as JSON: "version", "data_directory",
+   "switches" (each switch of the configuration as true or false, and
+   "SpellCheckIP"), "services" (which started, with the number of document
+   types, templates, font sizes and messages) and "instances".
+   Owner: engine (THREAD). NULL with "TARVOS not init!" before TARVOS_Init. */
+TARVOS_API const char* TARVOS_GetEngineInfo(void);
+
+/* Segments a UTF-8 text with the engine's lexical analyser (its lexicon and
+   the user words imported so far): "word/tag" tokens separated by blanks,
+   or the words alone without bTags. Owner: engine (THREAD). NULL on failure. */
+TARVOS_API const char* TARVOS_SegmentText(const char* sText, bool bTags);
 
 /* ===================================================================== */
 /* Instances                                                              */
@@ -138,8 +166,11 @@ TARVOS_API int TARVOS_DeleteInstance(int handle);
    organisation whose template applies (may be ""); nResultFormat: 0 XML,
    1 JSON, any other value JSON written into a "_Check.xml" file.
    The result file "<name>_Check.xml" or "<name>_Check.json" lands beside the
-   document. Returns, for format 0, the result file's path; otherwise the JSON
-   text. Owner: instance (INSTANCE). NULL on failure. */
+   document, and the structure file "<name>.xml" (format 0) or "<name>.json"
+   beside it. Returns, for format 0, the result file's path; otherwise the
+   JSON text. Owner: instance (INSTANCE). NULL on failure.
+   The XML result inserts texts as they are, without escaping: it is not
+   well-formed XML when a text holds "<" or "&". The JSON result is. */
 TARVOS_API const char* TARVOS_CheckReportF(const char* sReportFile, const char* sURLPrefix,
                                            const char* sOrgnization, int nType,
                                            int nResultFormat, bool bDebug, int handle);
@@ -152,7 +183,7 @@ TARVOS_API const char* TARVOS_CheckReportM(const char* sReportTxt, const char* s
 
 /* A stored result of the last check: 0 the rendered findings, 1 the
    knowledge-graph result, 6 the single key-value result, 7 the tuple result,
-   8 the entity key-value result. Each call makes a new copy.
+   8 the entity key-value result. Each result type keeps its latest copy.
    Owner: instance (INSTANCE). NULL on failure or for another result_type. */
 TARVOS_API const char* TARVOS_GetResult(int result_type, int handle);
 
@@ -160,11 +191,21 @@ TARVOS_API const char* TARVOS_GetResult(int result_type, int handle);
    Returns what the model's loader returns (> 0 on success); 0 on failure. */
 TARVOS_API int TARVOS_LoadDocResult(const char* sResultXMLFile, int handle);
 
-/* Imports a document and writes its structure file "<name>_Content.xml".
-   Returns the model's text (see the structure output). Owner: instance
-   (INSTANCE). NULL on failure. */
+/* Imports a document and writes its structure file "<name>.xml" beside it
+   (the working folder's parent). Returns that file's path. Owner: instance
+   (INSTANCE). NULL on failure.
+   The structure XML escapes only "<" and ">" in texts: it is not well-formed
+   XML when a text holds "&", and a text holding "&lt;" itself reads back as
+   "<". TARVOS_ImportDocFormat writes the well-formed JSON form. */
 TARVOS_API const char* TARVOS_ImportDoc(const char* sReportFile, const char* sURLPrefix,
                                         int handle);
+
+/* As TARVOS_ImportDoc, with the structure file's form chosen: nResultFormat
+   0 writes "<name>.xml", any other value the well-formed JSON "<name>.json"
+   (with the tables and figures). Returns the file's path. Owner: instance
+   (INSTANCE, the text of TARVOS_ImportDoc). NULL on failure. */
+TARVOS_API const char* TARVOS_ImportDocFormat(const char* sReportFile, const char* sURLPrefix,
+                                              int nResultFormat, int handle);
 
 /* Applies an edited finding list to the checked DOCX and writes the revised
    copy. Returns the reviser's text. Owner: instance (INSTANCE). NULL on failure. */
@@ -172,12 +213,14 @@ TARVOS_API const char* TARVOS_ReviseReportF(const char* sReviseXMLFile, int hand
 
 /* Redraws the HTML pages of a checked document from a saved, possibly edited,
    result. Returns NULL on success and the error text on failure (an inverted
-   convention, kept for existing hosts). Owner of the error text: engine (THREAD
-   of TARVOS_GetLastErrorMsg). */
+   convention, kept for existing hosts): this thread's last error. Owner of
+   the error text: engine (THREAD). An invalid handle returns NULL too. */
 TARVOS_API const char* TARVOS_ShowHtmlError(const char* sReviseXMLFile, int handle);
 
 /* Runs the format check again from a saved result with another template.
-   Returns as TARVOS_CheckReportF. Owner: instance (INSTANCE). NULL on failure. */
+   Returns as TARVOS_CheckReportF. Owner: instance (INSTANCE). NULL on
+   failure, also with "No template <id>" for a template the store does not
+   hold. */
 TARVOS_API const char* TARVOS_ReCheckFormat(const char* sCheckXML, int nTemplateID,
                                             int nResultFormat, int handle);
 
@@ -215,7 +258,8 @@ TARVOS_API int TARVOS_ImportTemplate(const char* sTemplateFile, int nType, const
                                      const char* sArea, const char* sArgumemt);
 
 /* Replaces template nTemplateID (without a file only its keys change).
-   Returns nTemplateID; 0 when format checking is off. */
+   Returns nTemplateID; -1 with "No template <id>" for an id the store does
+   not hold (nothing is written then); 0 when format checking is off. */
 TARVOS_API int TARVOS_EditTemplate(int nTemplateID, const char* sTemplateFile, int nType,
                                    const char* sOrg, const char* sArea, const char* sArgumemt);
 
@@ -228,17 +272,26 @@ TARVOS_API int TARVOS_FindTemplate(int nType, const char* sOrg, const char* sAre
    an unknown id, 0 when format checking is off. */
 TARVOS_API int TARVOS_DeleteTemplate(int nTemplateID);
 
-/* One template as JSON text (its values unescaped). Owner: template store
-   (SERVICE; valid until the next TARVOS_GetTemplate or TARVOS_GetTemplateList).
-   "" for an unknown id; NULL when format checking is off. */
+/* One template as JSON text with the keys "docReportType",
+   "zyg_organization", "zyg_argument", "zyg_area" and "zyg_format" (the
+   template text). Its values are written as they are, unescaped, so the
+   text is not well-formed JSON: the template text holds line breaks and may
+   hold quotes. TARVOS_GetTemplateJson gives the same object well-formed.
+   Owner: engine (THREAD). "" for an unknown id; NULL when format checking
+   is off. */
 TARVOS_API const char* TARVOS_GetTemplate(int nTemplateID);
+
+/* The template of TARVOS_GetTemplate as well-formed JSON (jsoncpp's
+   escaping). Owner: engine (THREAD). "" for an unknown id; NULL when format
+   checking is off. */
+TARVOS_API const char* TARVOS_GetTemplateJson(int nTemplateID);
 
 /* Number of templates in the store; 0 on failure. */
 TARVOS_API int TARVOS_GetTemplateCount(void);
 
-/* The arguments and areas known for a report type and organisation, as JSON.
-   Owner: template store (SERVICE, as TARVOS_GetTemplate). NULL when format
-   checking is off. */
+/* The arguments and areas known for a report type and organisation, as JSON
+   (names unescaped, as TARVOS_GetTemplate's values). Owner: engine (THREAD).
+   NULL when format checking is off. */
 TARVOS_API const char* TARVOS_GetTemplateList(int docType, const char* sOrgnization);
 
 /* ===================================================================== */
@@ -264,7 +317,7 @@ TARVOS_API int ZYG_AddRule(const char* sJsonStr, int type);
 TARVOS_API int ZYG_EditRule(int rule_id, const char* sJsonStr, int type);
 
 TARVOS_API const char* Audit_GetSysInfo(int type);
-/* The error-message catalogue as JSON. */
+/* The error-message catalogue as JSON. Owner: engine (THREAD). */
 TARVOS_API const char* Audit_GetErrorInfo(void);
 TARVOS_API const char* Audit_GetRuleListId(int type);
 TARVOS_API const char* Audit_GetRuleInfo(int rule_id, int type);
@@ -277,8 +330,9 @@ TARVOS_API int Audit_EditRule(int rule_id, const char* sJsonStr, int type);
 /* ===================================================================== */
 /* These calls have their own instance table. TARVOS_Init calls ZYG_Init and
    TARVOS_Exit calls ZYG_Exit; a host using only the scanning calls may call
-   them itself. Text results are owned by the scanning service (valid until
-   ZYG_Exit) and are "" on failure. */
+   them itself. Text results are owned by the scanning instance, which keeps
+   the latest text of each call: valid until the same call on that instance
+   returns again, its deletion or ZYG_Exit. They are "" on failure. */
 
 /* Starts the lexical analyser on a data directory (NULL or "" = working
    directory) and opens scanning instance 0. Returns 1; -1 when the directory

@@ -1,22 +1,27 @@
 #include "utility/BufferManager.h"
 
-#include <cstring>
-
-const char* CBufferManager::Keep(const tstring& sText) {
-  std::unique_ptr<char[]> pBuffer(new char[sText.size() + 1]);
-  memcpy(pBuffer.get(), sText.data(), sText.size());
-  pBuffer[sText.size()] = '\0';
+const char* CBufferManager::Keep(int nSlot, const tstring& sText) {
   std::lock_guard<std::mutex> lock(m_mutex);
-  m_vecBuffer.push_back(std::move(pBuffer));
-  return m_vecBuffer.back().get();
+  tstring& sSlot = m_mapSlot2Text[nSlot];
+  // A fresh string rather than an assignment: an assigned buffer keeps the
+  // capacity of the longest text it ever held.
+  tstring(sText).swap(sSlot);
+  return sSlot.c_str();
 }
 
 void CBufferManager::Clear() {
   std::lock_guard<std::mutex> lock(m_mutex);
-  m_vecBuffer.clear();
+  m_mapSlot2Text.clear();
 }
 
 size_t CBufferManager::GetCount() const {
   std::lock_guard<std::mutex> lock(m_mutex);
-  return m_vecBuffer.size();
+  return m_mapSlot2Text.size();
+}
+
+size_t CBufferManager::GetSize() const {
+  std::lock_guard<std::mutex> lock(m_mutex);
+  size_t nBytes = 0;
+  for (const auto& kv : m_mapSlot2Text) nBytes += kv.second.capacity();
+  return nBytes;
 }

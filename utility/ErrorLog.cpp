@@ -9,6 +9,7 @@ namespace {
 
 std::mutex g_mutexLastError;  // guards g_sLastErrorMessage
 tstring g_sLastErrorMessage;
+thread_local tstring t_sThreadLastError;  // this thread's own last failure
 std::mutex g_mutexLogFile;  // keeps concurrent lines whole
 
 // Appends "[stamp]\ttext\n" to "<TARVOS_LOG_DIR>/<date><sExtension>".
@@ -36,6 +37,7 @@ void SetLastError(const tstring& sText) {
     std::lock_guard<std::mutex> lock(g_mutexLastError);
     g_sLastErrorMessage = sText;
   }
+  t_sThreadLastError = sText;
   WriteError(sText);
 }
 
@@ -49,6 +51,8 @@ tstring GetLastError() {
   std::lock_guard<std::mutex> lock(g_mutexLastError);
   return g_sLastErrorMessage;
 }
+
+const tstring& GetThreadLastError() { return t_sThreadLastError; }
 
 void ClearLastError() {
   std::lock_guard<std::mutex> lock(g_mutexLastError);

@@ -7,14 +7,19 @@
 // and progress lines to "<dir>/%Y%m%d.log", each line "[%Y-%m-%d %H:%M:%S]\t<text>".
 #include "utility/TString.h"
 
-// Replaces the last-error text (never appends) and writes it to the error log.
+// Replaces the last-error text (never appends), and the calling thread's own
+// last-error text, and writes it to the error log.
 void SetLastError(const tstring& sText);
 
 // SetLastError of a message naming a handle: sFormat holds one "%d".
 void SetHandleError(const char* sFormat, int handle);
 
-// A copy of the last-error text; "" when no failure happened yet.
+// A copy of the last-error text of the process (whichever thread failed
+// last); "" when no failure happened yet.
 tstring GetLastError();
+
+// The last-error text of the calling thread; "" when it never failed.
+const tstring& GetThreadLastError();
 
 // Forgets the last-error text (used when the engine shuts down).
 void ClearLastError();

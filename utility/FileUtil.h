@@ -24,3 +24,15 @@ bool IsReadableDirectory(const tstring& sPath);
 
 // True when sPath names an existing regular file.
 bool IsRegularFile(const tstring& sPath);
+
+// The process's working directory; "." when it cannot be read. The engine
+// reads it but never changes it.
+tstring CurrentDirectory();
+
+// sPath made absolute against the working directory (unchanged when it is
+// absolute already); "" stays "".
+tstring AbsolutePath(const tstring& sPath);
+
+// sPath with "." and "folder/.." steps removed ("/a/b_unzip/../c" -> "/a/c");
+// purely textual, no link is followed.
+tstring NormalPath(const tstring& sPath);

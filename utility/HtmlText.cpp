@@ -5,7 +5,7 @@
 #include <cctype>
 #include <cstring>
 
-#include "utility/Utf8.h"
+#include "utility/XmlScan.h"
 
 tstring HtmlCharset(const tstring& sHtml) {
   size_t nPos = 0;
@@ -29,24 +29,13 @@ bool TagIs(const tstring& sName, const char* const* pNames) {
   return false;
 }
 
-void AppendEntity(const tstring& sEntity, tstring& sOut) {
-  static const struct { const char* name; uint32_t c; } kNamed[] = {
-      {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}, {"nbsp", ' '}, {"mdash", 0x2014},
-      {"ndash", 0x2013}, {"hellip", 0x2026}, {"ldquo", 0x201C}, {"rdquo", 0x201D}, {"middot", 0xB7}};
-  if (!sEntity.empty() && sEntity[0] == '#') {
-    long n = sEntity.size() > 1 && (sEntity[1] == 'x' || sEntity[1] == 'X') ? strtol(sEntity.c_str() + 2, nullptr, 16)
-                                                                             : strtol(sEntity.c_str() + 1, nullptr, 10);
-    if (n > 0 && n <= 0x10FFFF && !(n >= 0xD800 && n <= 0xDFFF)) {
-      AppendUtf8(sOut, (uint32_t)n);
-      return;
-    }
-  }
-  for (const auto& e : kNamed)
-    if (sEntity == e.name) {
-      AppendUtf8(sOut, e.c);
-      return;
-    }
-  sOut += "&" + sEntity + ";";
+// A run of text between tags: line breaks and tabs become blanks, then
+// references are decoded.
+void AppendText(const char* p, const char* pEnd, tstring& sOut) {
+  tstring sRun(p, pEnd);
+  for (char& c : sRun)
+    if (c == '\r' || c == '\n' || c == '\t') c = ' ';
+  sOut += DecodeEntities(sRun, kEntitiesHtml);
 }
 
 }  // namespace
@@ -57,40 +46,29 @@ tstring HtmlToText(const tstring& sHtml) {
   tstring sOut;
   const size_t n = sHtml.size();
   for (size_t i = 0; i < n;) {
-    char c = sHtml[i];
-    if (c == '<') {
-      size_t nGt = sHtml.find('>', i);
-      if (nGt == tstring::npos) break;
-      size_t k = i + 1;
-      while (k < nGt && (isalnum((unsigned char)sHtml[k]) || sHtml[k] == '/')) ++k;
-      tstring sName = sHtml.substr(i + 1, k - i - 1);
-      // Script and style bodies are code, not text.
-      if (strcasecmp(sName.c_str(), "script") == 0 || strcasecmp(sName.c_str(), "style") == 0) {
-        tstring sClose = "</" + sName;
-        size_t nClose = n;
-        for (size_t q = sHtml.find("</", nGt); q != tstring::npos; q = sHtml.find("</", q + 2))
-          if (strncasecmp(sHtml.c_str() + q, sClose.c_str(), sClose.size()) == 0) {
-            nClose = q;
-            break;
-          }
-        i = nClose;
-        continue;
-      }
-      if (TagIs(sName, kBreaks) && !sOut.empty() && sOut.back() != '\n') sOut += '\n';
-      i = nGt + 1;
-    } else if (c == '&') {
-      size_t nSemi = sHtml.find(';', i);
-      if (nSemi != tstring::npos && nSemi - i <= 10) {
-        AppendEntity(sHtml.substr(i + 1, nSemi - i - 1), sOut);
-        i = nSemi + 1;
-      } else {
-        sOut += c;
-        ++i;
-      }
-    } else {
-      sOut += (c == '\r' || c == '\n' || c == '\t') ? ' ' : c;
-      ++i;
+    size_t nLt = sHtml.find('<', i);
+    AppendText(sHtml.data() + i, sHtml.data() + (nLt == tstring::npos ? n : nLt), sOut);
+    if (nLt == tstring::npos) break;
+    i = nLt;
+    size_t nGt = sHtml.find('>', i);
+    if (nGt == tstring::npos) break;
+    size_t k = i + 1;
+    while (k < nGt && (isalnum((unsigned char)sHtml[k]) || sHtml[k] == '/')) ++k;
+    tstring sName = sHtml.substr(i + 1, k - i - 1);
+    // Script and style bodies are code, not text.
+    if (strcasecmp(sName.c_str(), "script") == 0 || strcasecmp(sName.c_str(), "style") == 0) {
+      tstring sClose = "</" + sName;
+      size_t nClose = n;
+      for (size_t q = sHtml.find("</", nGt); q != tstring::npos; q = sHtml.find("</", q + 2))
+        if (strncasecmp(sHtml.c_str() + q, sClose.c_str(), sClose.size()) == 0) {
+          nClose = q;
+          break;
+        }
+      i = nClose;
+      continue;
     }
+    if (TagIs(sName, kBreaks) && !sOut.empty() && sOut.back() != '\n') sOut += '\n';
+    i = nGt + 1;
   }
   return sOut;
 }

@@ -1,9 +1,12 @@
 #include "utility/SectionInfo.h"
 
 #include <cstdlib>
+#include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "utility/CodePage.h"
+#include "utility/XmlScan.h"
 
 void _tSection_Format::Write(tstring& sOut) const {
   sOut += "\r\n<section_format>";
@@ -21,32 +24,27 @@ void _tSection_Format::Write(tstring& sOut) const {
 namespace {
 
 // The text of <sTag>...</sTag> when the tag starts before pLimit.
-bool Field(const char* pText, const char* pLimit, const char* sTag, tstring& sValue) {
-  tstring sOpen = tstring("<") + sTag + ">", sClose = tstring("</") + sTag + ">";
-  const char* pOpen = strstr(pText, sOpen.c_str());
-  if (pOpen == nullptr || pOpen >= pLimit) return false;
-  const char* pStart = pOpen + sOpen.size();
-  const char* pEnd = strstr(pStart, sClose.c_str());
-  sValue.assign(pStart, pEnd ? pEnd : pStart + strlen(pStart));
-  return true;
+bool Field(const char* pText, const char* pLimit, const char* pEnd, const char* sTag, tstring& sValue) {
+  const char* pOpen = ElementText(pText, pEnd, sTag, sValue);
+  return pOpen != nullptr && pOpen < pLimit;
 }
 
 }  // namespace
 
-const char* _tSection_Format::Read(const char* pText) {
-  const char* pClose = strstr(pText, "</section_format>");
+const char* _tSection_Format::Read(const char* pText, const char* pEnd) {
+  const char* pClose = FindIn(pText, pEnd, "</section_format>");
   if (pClose == nullptr) return nullptr;
   // The limit reaches 11 characters past the closing tag: kept as templates
   // have always been read.
-  const char* pLimit = pClose + std::min<size_t>(11, strlen(pClose));
+  const char* pLimit = pClose + std::min<std::ptrdiff_t>(11, pEnd - pClose);
   tstring sValue;
-  if (Field(pText, pLimit, "prefix", sValue)) prefix = UTF8ToANSI(sValue);
-  chapter_format = Field(pText, pLimit, "chapter_format", sValue) ? atoi(sValue.c_str()) : -1;
-  if (Field(pText, pLimit, "section_sep", sValue)) section_sep = UTF8ToANSI(sValue);
-  num_format = Field(pText, pLimit, "num_format", sValue) ? atoi(sValue.c_str()) : -1;
-  if (Field(pText, pLimit, "post", sValue)) post = UTF8ToANSI(sValue);
-  level = Field(pText, pLimit, "level", sValue) ? atoi(sValue.c_str()) : 0;
-  section_type = Field(pText, pLimit, "section_type", sValue) ? atoi(sValue.c_str()) : 0;
-  if (Field(pText, pLimit, "sample", sValue)) sample = sValue;
+  if (Field(pText, pLimit, pEnd, "prefix", sValue)) prefix = UTF8ToANSI(sValue);
+  chapter_format = Field(pText, pLimit, pEnd, "chapter_format", sValue) ? atoi(sValue.c_str()) : -1;
+  if (Field(pText, pLimit, pEnd, "section_sep", sValue)) section_sep = UTF8ToANSI(sValue);
+  num_format = Field(pText, pLimit, pEnd, "num_format", sValue) ? atoi(sValue.c_str()) : -1;
+  if (Field(pText, pLimit, pEnd, "post", sValue)) post = UTF8ToANSI(sValue);
+  level = Field(pText, pLimit, pEnd, "level", sValue) ? atoi(sValue.c_str()) : 0;
+  section_type = Field(pText, pLimit, pEnd, "section_type", sValue) ? atoi(sValue.c_str()) : 0;
+  if (Field(pText, pLimit, pEnd, "sample", sValue)) sample = sValue;
   return pClose + strlen("</section_format>");
 }

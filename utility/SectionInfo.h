@@ -35,12 +35,12 @@ struct _tSection_Format {
   // ... "\r\n</section_format>\r\n"; prefix, separator and post are written
   // as UTF-8, the chapter style only when there is one.
   void Write(tstring& sOut) const;
-  // Reads the block that starts at or after pText. A field counts only when
-  // its tag lies before the block's closing tag plus 11 characters; absent
-  // fields keep their value, except chapter_format and num_format (-1),
-  // level and section_type (0). Returns the end of the block, or null when
-  // there is no "</section_format>".
-  const char* Read(const char* pText);
+  // Reads the block that starts at or after pText, within [pText, pEnd). A
+  // field counts only when its tag lies before the block's closing tag plus
+  // 11 characters; absent fields keep their value, except chapter_format
+  // and num_format (-1), level and section_type (0). Returns the end of the
+  // block, or null when there is no "</section_format>".
+  const char* Read(const char* pText, const char* pEnd);
 
   // Same numbering style: style codes, depth, separator, prefix and post.
   bool IsSameFormat(const _tSection_Format& other) const {

@@ -7,6 +7,7 @@
 
 #include "TestDataDir.h"
 #include "api/Globals.h"
+#include "checker/DocFormatCheck.h"
 #include "checker/ID2Message.h"
 #include "tarvos.h"
 
@@ -33,19 +34,19 @@ class InitTest : public ::testing::Test {
 
 TEST_F(InitTest, StartsOnTheBuiltDataDirectoryWithHandleZero) {
   ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1) << TARVOS_GetLastErrorMsg();
-  EXPECT_EQ(g_bTARVOSInit, 1);
+  EXPECT_TRUE(g_pEngine && g_pEngine->IsStarted());
   // Handle 0 exists without TARVOS_NewInstance; an empty stored text reads back.
   const char* sKG = TARVOS_GetResult(1, 0);
   ASSERT_NE(sKG, nullptr);
   EXPECT_STREQ(sKG, "");
   EXPECT_EQ(TARVOS_NewInstance(), 1);
-  EXPECT_NE(g_pError2Message->GetMessages().count("1.5.2"), 0u);
+  EXPECT_NE(g_pEngine->GetMessages()->GetMessages().count("1.5.2"), 0u);
 }
 
 struct SwitchCase {
   const char* szName;
   const char* szConfig;  // nullptr: no configuration file
-  char bPunction, bFormat, bOCR, bFilter, bSpelling, bCountry;
+  bool bPunction, bFormat, bOCR, bFilter, bSpelling, bCountry;
   const char* szSpellingHost;
 };
 
@@ -70,14 +71,15 @@ TEST_F(InitTest, ReadsSwitchesCaseInsensitivelyWithTheOnOffAsymmetry) {
     else
       data.Remove("ZYG-Configure.json");
     ASSERT_EQ(TARVOS_Init(data.Root().c_str()), 1) << c.szName << ": " << TARVOS_GetLastErrorMsg();
-    EXPECT_EQ(g_bPunctionCheck, c.bPunction) << c.szName;
-    EXPECT_EQ(g_bFormatCheck, c.bFormat) << c.szName;
-    EXPECT_EQ(g_bOCR, c.bOCR) << c.szName;
-    EXPECT_EQ(g_bFilteringCheck, c.bFilter) << c.szName;
-    EXPECT_EQ(g_bSpellingCheck, c.bSpelling) << c.szName;
-    EXPECT_EQ(g_bCountryDetect, c.bCountry) << c.szName;
-    EXPECT_EQ(g_sSpellingHostIP, c.szSpellingHost) << c.szName;
-    EXPECT_EQ(g_pDocFormatChecker != nullptr, c.bFormat != 0) << c.szName;
+    const _tCheckSwitches& switches = g_pEngine->Switches();
+    EXPECT_EQ(switches.bPunctionCheck, c.bPunction) << c.szName;
+    EXPECT_EQ(switches.bFormatCheck, c.bFormat) << c.szName;
+    EXPECT_EQ(switches.bOCR, c.bOCR) << c.szName;
+    EXPECT_EQ(switches.bFilteringCheck, c.bFilter) << c.szName;
+    EXPECT_EQ(switches.bSpellingCheck, c.bSpelling) << c.szName;
+    EXPECT_EQ(switches.bCountryDetect, c.bCountry) << c.szName;
+    EXPECT_EQ(switches.sSpellingHostIP, c.szSpellingHost) << c.szName;
+    EXPECT_EQ(g_pEngine->GetFormatChecker() != nullptr, c.bFormat) << c.szName;
     TARVOS_Exit();
   }
 }
@@ -87,7 +89,7 @@ TEST_F(InitTest, UnreadableConfigurationIsReportedButNotFatal) {
   ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
   // Later start-up steps may leave notes, so the configuration failure is
   // checked through the switches and the status rather than the last text.
-  EXPECT_EQ(g_bFormatCheck, 1);
+  EXPECT_TRUE(g_pEngine->Switches().bFormatCheck);
 }
 
 struct FatalCase {
@@ -113,7 +115,7 @@ TEST_F(InitTest, FatalStepsReturnTheirStatusAndLeaveTheEngineClosed) {
     if (c.szConfig) data.Write("ZYG-Configure.json", c.szConfig);
     if (!c.szRemove && !c.szConfig) data.Write("Font/FontSize.dat", "# no sizes\n");
     EXPECT_EQ(TARVOS_Init(data.Root().c_str()), c.nStatus) << c.szName;
-    EXPECT_EQ(g_bTARVOSInit, c.nStatus == 1 ? 1 : 0) << c.szName;
+    EXPECT_EQ(g_pEngine->IsStarted(), c.nStatus == 1) << c.szName;
     if (c.nStatus != 1) {
       EXPECT_EQ(TARVOS_NewInstance(), -1) << c.szName;
     }
@@ -149,18 +151,18 @@ TEST_F(InitTest, ResolvesNullEmptyAndDotPathsAgainstTheWorkingDirectory) {
   ASSERT_NE(getcwd(sCwd, sizeof(sCwd)), nullptr);
 
   ASSERT_EQ(TARVOS_Init(nullptr), 1);
-  EXPECT_EQ(g_sDataDir, sCwd);
+  EXPECT_EQ(g_pEngine->GetDataDir(), sCwd);
   TARVOS_Exit();
   ASSERT_EQ(TARVOS_Init(""), 1);
-  EXPECT_EQ(g_sDataDir, sCwd);
+  EXPECT_EQ(g_pEngine->GetDataDir(), sCwd);
   TARVOS_Exit();
   ASSERT_EQ(TARVOS_Init("."), 1);
-  EXPECT_EQ(g_sDataDir, std::string(sCwd) + "/.");
+  EXPECT_EQ(g_pEngine->GetDataDir(), std::string(sCwd) + "/.");
   TARVOS_Exit();
   ASSERT_EQ(chdir("Data"), 0);
   ASSERT_EQ(TARVOS_Init("./.."), 1);
-  EXPECT_EQ(g_sDataDir, std::string(sCwd) + "/Data/./..");
-  EXPECT_EQ(g_sDefaultDir, std::string(sCwd) + "/Data");
+  EXPECT_EQ(g_pEngine->GetDataDir(), std::string(sCwd) + "/Data/./..");
+  EXPECT_EQ(g_pEngine->GetDefaultDir(), std::string(sCwd) + "/Data");
 }
 
 TEST_F(InitTest, InitExitInitRestartsHandlesAndServices) {
@@ -168,9 +170,7 @@ TEST_F(InitTest, InitExitInitRestartsHandlesAndServices) {
   EXPECT_EQ(TARVOS_NewInstance(), 1);
   EXPECT_EQ(TARVOS_NewInstance(), 2);
   TARVOS_Exit();
-  EXPECT_EQ(g_bTARVOSInit, 0);
-  EXPECT_EQ(g_pError2Message, nullptr);
-  EXPECT_EQ(g_pZYGManager, nullptr);
+  EXPECT_EQ(g_pEngine, nullptr) << "every service goes with the engine";
   EXPECT_EQ(TARVOS_GetResult(1, 1), nullptr);
   ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
   EXPECT_EQ(TARVOS_NewInstance(), 1);
@@ -206,7 +206,7 @@ TEST_F(InitTest, ImportCallsReachTheirServices) {
   m_data.Write("user.txt", "审查引擎\tZYG\n[machine learning]\tZYG\n");
   EXPECT_EQ(TARVOS_ImportUserDict(m_data.Data("user.txt").c_str()), 2);
   EXPECT_EQ(TARVOS_ImportFieldDict("x.txt", false, false), 0);
-  EXPECT_NE(std::string(TARVOS_GetLastErrorMsg()).find("KS_ImportUserDict"), std::string::npos);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "The keyword scanner (FilterCheck) not init!") << "the scanner is off";
 }
 
 TEST_F(InitTest, NeverChangesTheWorkingDirectory) {

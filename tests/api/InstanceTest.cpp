@@ -10,10 +10,6 @@
 #include <vector>
 
 #include "DocxFixture.h"
-#include "api/Globals.h"
-#include "checker/CheckResult.h"
-#include "checker/ReportChecker.h"
-#include "docx/Paragraph.h"
 #include "TestDataDir.h"
 #include "tarvos.h"
 
@@ -275,38 +271,6 @@ TEST_F(InstanceTest, HandlesResolveWhileAnotherThreadAppends) {
   for (auto& t : vecReaders) t.join();
   EXPECT_EQ(nBadReads, 0);
   for (size_t i = 0; i < vecHandles.size(); ++i) EXPECT_EQ(vecHandles[i], (int)i + 1);
-}
-
-}  // namespace
-
-namespace {
-
-// The scanner's correction list turns into error-word findings.
-TEST(ErrorWordTest, CorrectionListsBecomeFindings) {
-  CTestDataDir data;
-  ASSERT_EQ(TARVOS_Init(data.Root().c_str()), 1);
-  CReportChecker* pChecker = GetReportCheckerWorker(0);
-  ASSERT_NE(pChecker, nullptr);
-  _tParagraph para;
-  para.id = 0x40;
-  para.text = "这是错字，又是错字和别字";
-  struct { const char* szScan; int nResult; } kCases[] = {
-      {"no list", -1}, {"(Check x", -2}, {"(Check x)a-->b", -3},
-      {"(Check x)正字-->错字##真字-->错字##好字-->别字##stop$", 1},
-  };
-  for (const auto& c : kCases) EXPECT_EQ(pChecker->AddErrorWords(c.szScan, para), c.nResult) << c.szScan;
-  const auto& vecFindings = pChecker->GetCheckResult().GetFindings();
-  ASSERT_EQ(vecFindings.size(), 3u);
-  EXPECT_EQ(vecFindings[0].new_str, "正字");
-  EXPECT_EQ(vecFindings[0].org_str, "错字");
-  EXPECT_EQ(vecFindings[0].offset, 6u);
-  EXPECT_EQ(vecFindings[1].offset, 6u) << "the search starts at the previous match itself";
-  EXPECT_EQ(vecFindings[2].org_str, "别字");
-  EXPECT_EQ(vecFindings[2].offset, std::string("这是错字，又是错字和").size());
-  EXPECT_EQ(vecFindings[2].error_id, "1.5.2");
-  EXPECT_EQ(vecFindings[2].field_id, 2);
-  EXPECT_EQ(vecFindings[2].revise_type, 1);
-  TARVOS_Exit();
 }
 
 }  // namespace

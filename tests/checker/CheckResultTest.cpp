@@ -9,7 +9,6 @@
 #include <string>
 
 #include "TestDataDir.h"
-#include "api/Globals.h"
 #include "checker/CheckResult.h"
 #include "checker/ID2Message.h"
 
@@ -20,10 +19,8 @@ class CheckResultTest : public ::testing::Test {
   void SetUp() override {
     std::string sList = m_dir.Path() + "/list.txt";
     std::ofstream(sList) << "ID Message Each Max\n9.1 三次 2 5\n9.2 多次 30 60\n9.3 无分\n9.4 重 50 80\n";
-    g_pError2Message.reset(new CID2Message);
-    ASSERT_EQ(g_pError2Message->Import(sList.c_str()), 4);
+    ASSERT_EQ(m_messages.Import(sList.c_str()), 4);
   }
-  void TearDown() override { g_pError2Message.reset(); }
 
   static _tCheckResult Finding(uint32_t nParaId, uint32_t nOffset, const char* szId, const char* szOrg,
                                int nField = 2, int nRevise = 1, const char* szNew = "新") {
@@ -41,7 +38,8 @@ class CheckResultTest : public ::testing::Test {
   std::string Render() { return m_results.GetResult("/p", "doc", 1, "u", nullptr); }
 
   CTempDir m_dir;
-  CCheckResult m_results;
+  CID2Message m_messages;
+  CCheckResult m_results{&m_messages};
 };
 
 TEST_F(CheckResultTest, AdmissionFilters) {
@@ -84,6 +82,20 @@ TEST_F(CheckResultTest, DuplicatesCountOnceAndScoresAreCapped) {
   size_t nChecks = 0;
   for (size_t i = sXml.find("<check>"); i != std::string::npos; i = sXml.find("<check>", i + 1)) ++nChecks;
   EXPECT_EQ(nChecks, 3u);
+}
+
+// Equal findings are dropped even when another finding at the same place
+// was added between them.
+TEST_F(CheckResultTest, EqualFindingsApartInTheListCountOnce) {
+  for (const char* szId : {"9.1", "9.3", "9.1", "9.3", "9.1"}) {
+    _tCheckResult r = Finding(10, 4, szId, "错");
+    m_results.AddResult(r);
+  }
+  Render();
+  EXPECT_EQ(m_results.GetErrorCount(), 2u);
+  ASSERT_EQ(m_results.GetFindings().size(), 2u);
+  EXPECT_EQ(m_results.GetFindings()[0].error_id, "9.1");
+  EXPECT_EQ(m_results.GetFindings()[1].error_id, "9.3");
 }
 
 TEST_F(CheckResultTest, TotalScoreIsFlooredAtZero) {
@@ -145,7 +157,7 @@ TEST_F(CheckResultTest, SavedResultsReadBackInBothFormats) {
   std::ofstream(sXmlFile, std::ios::binary) << "<?xml version=\"1.0\"?>\n<TARVOS>\n" << Render() << "</TARVOS>\n";
   std::ofstream(sJsonFile, std::ios::binary) << m_results.GetResultJson("/p", "doc", 1, "u", nullptr);
   for (const std::string& sFile : {sXmlFile, sJsonFile}) {
-    CCheckResult loaded;
+    CCheckResult loaded(&m_messages);
     ASSERT_EQ(loaded.Import(sFile.c_str()), 1) << sFile;
     EXPECT_EQ(loaded.m_sPath, "/p");
     EXPECT_EQ(loaded.m_sFilename, "doc");
@@ -161,7 +173,7 @@ TEST_F(CheckResultTest, SavedResultsReadBackInBothFormats) {
       EXPECT_EQ(r.error_msg, "三次");
     }
   }
-  CCheckResult missing;
+  CCheckResult missing(&m_messages);
   EXPECT_EQ(missing.Import((m_dir.Path() + "/none.xml").c_str()), -1);
   EXPECT_EQ(missing.Remove("9.1"), 0u);
   EXPECT_EQ(m_results.Remove("9.1"), 6u);
@@ -184,7 +196,7 @@ TEST_F(CheckResultTest, RenderImportRenderKeepsFindingsAndStatistics) {
   std::string sXmlFile = m_dir.Path() + "/a_Check.xml", sJsonFile = m_dir.Path() + "/a_Check.json";
   std::ofstream(sXmlFile, std::ios::binary) << sXml;
   std::ofstream(sJsonFile, std::ios::binary) << sJson;
-  CCheckResult fromXml, fromJson;
+  CCheckResult fromXml(&m_messages), fromJson(&m_messages);
   ASSERT_EQ(fromXml.Import(sXmlFile.c_str()), 1);
   ASSERT_EQ(fromJson.Import(sJsonFile.c_str()), 1);
   EXPECT_EQ(FromStatistics(fromXml.GetResult("/p", "doc", 1, "u", nullptr)), FromStatistics(sXml));
@@ -198,11 +210,11 @@ TEST_F(CheckResultTest, BrokenSavedResultsNeverCrash) {
   std::string sFile = m_dir.Path() + "/broken_Check.xml";
   for (size_t nCut = 0; nCut < sXml.size(); nCut += 5) {
     std::ofstream(sFile, std::ios::binary | std::ios::trunc) << sXml.substr(0, nCut) << "<check><paraId>zz";
-    CCheckResult loaded;
+    CCheckResult loaded(&m_messages);
     EXPECT_EQ(loaded.Import(sFile.c_str()), 1) << "a damaged result reads what it can";
   }
   std::ofstream(sFile + ".json", std::ios::binary) << "{\"Errors\": [1, {\"paraId\": 5}], \"docxPath\": 7";
-  CCheckResult loaded;
+  CCheckResult loaded(&m_messages);
   EXPECT_EQ(loaded.Import((sFile + ".json").c_str()), -1);
 }
 

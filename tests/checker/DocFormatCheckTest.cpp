@@ -12,7 +12,10 @@
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
 #include "docx/DocFormat.h"
-#include "docx/DocxParser.h"
+#include "checker/FormatCheckRun.h"
+#include "checker/FormatComparison.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
 
 namespace {
 
@@ -56,22 +59,21 @@ class DocFormatCheckTest : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_TRUE(WriteDocx(m_dir.Path() + "/sample.docx", Sample()));
-    m_pChecker.reset(new CDocFormatCheck(m_dir.Path().c_str()));
+    m_pChecker.reset(new CDocFormatCheck(m_dir.Path().c_str(), nullptr));
     ASSERT_EQ(m_pChecker->ImportTemplate((m_dir.Path() + "/sample.docx").c_str(), 5, "*", "*", "*"), 0);
   }
   std::vector<Finding> Check(const std::string& sBody, int nReportType, int nWant = 1) {
     std::string sFile = m_dir.Path() + "/doc.docx";
     EXPECT_TRUE(WriteDocx(sFile, sBody));
-    EXPECT_EQ(m_parser.ReadDocx(sFile.c_str()), 1);
-    EXPECT_GE(m_parser.ParseStruct(0, "", true), 0);
-    EXPECT_EQ(m_pChecker->Check(&m_parser, &m_result, nReportType), nWant);
+    EXPECT_GE(CDocImporter(nullptr).ParseDocx(m_doc, sFile.c_str(), "", 0), 0);
+    EXPECT_EQ(m_pChecker->Check(m_doc, m_result, nReportType, _tTemplateKeys::ForOrganization("")), nWant);
     std::vector<Finding> vecFound;
     for (const _tCheckResult& r : m_result.GetFindings()) vecFound.push_back({r.error_id, r.org_str});
     return vecFound;
   }
   CTempDir m_dir;
   std::unique_ptr<CDocFormatCheck> m_pChecker;
-  CDocxParser m_parser;
+  CDocument m_doc;
   CCheckResult m_result;
 };
 
@@ -129,7 +131,8 @@ TEST_F(DocFormatCheckTest, AStaleTableOfContentsIsReported) {
     std::vector<Finding> vecFound = Check(c.sBody, 2);
     bool bStale = std::find(vecFound.begin(), vecFound.end(), Finding{"1.6", ""}) != vecFound.end();
     EXPECT_EQ(bStale, c.bStale) << c.szName;
-    EXPECT_EQ(m_pChecker->IsContentUpdated(), !c.bStale) << c.szName;
+    CCheckResult scratch;
+    EXPECT_EQ(CFormatCheckRun(m_doc, scratch, 2).IsContentUpdated(), !c.bStale) << c.szName;
   }
 }
 
@@ -169,7 +172,7 @@ TEST(CheckFormatOnParagraphTest, ComparesOnlyWhatTheRulesSay) {
     para.font_size = c.nSize;
     para.font = c.szFont;
     CCheckResult result;
-    format.CheckFormatOnParagraph(para, &result);
+    CFormatComparison(format, nullptr).CheckFormatOnParagraph(para, result);
     std::vector<Finding> vecFound;
     for (const _tCheckResult& r : result.GetFindings()) vecFound.push_back({r.error_id, r.org_str});
     EXPECT_EQ(vecFound, c.vecWant) << c.szName;
@@ -186,15 +189,16 @@ TEST(CheckFormatOnParagraphTest, RequiredTextsCountOnlyInComparedParagraphs) {
   body.text = "摘要：本文研究";
   body.level = 0;
   CCheckResult result;
-  format.CheckFormatOnParagraph(body, &result);
-  EXPECT_EQ(format.CheckRequired(&result, 7), 1) << "a body paragraph does not count";
+  CFormatComparison comparison(format, nullptr);
+  comparison.CheckFormatOnParagraph(body, result);
+  EXPECT_EQ(comparison.CheckRequired(result, 7), 1) << "a body paragraph does not count";
   ASSERT_EQ(result.GetFindings().size(), 1u);
   EXPECT_EQ(result.GetFindings()[0].new_str, "摘要");
   EXPECT_EQ(result.GetFindings()[0].para_id, 7u);
   _tParagraph caption = body;
   caption.level = -503;
-  format.CheckFormatOnParagraph(caption, &result);
-  EXPECT_EQ(format.CheckRequired(&result, 7), 0);
+  comparison.CheckFormatOnParagraph(caption, result);
+  EXPECT_EQ(comparison.CheckRequired(result, 7), 0);
 }
 
 }  // namespace

@@ -13,8 +13,10 @@
 #include <vector>
 
 #include "TestDataDir.h"
-#include "docx/DocxParser.h"
-#include "docx/XmlScan.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
+#include "docx/StructureWriter.h"
+#include "utility/XmlScan.h"
 
 namespace fs = std::filesystem;
 
@@ -112,15 +114,14 @@ TEST(CorpusTest, EveryDocumentReadsIntoASoundModel) {
   for (const std::string& sSource : vecFiles) {
     std::string sCopy = dir.Path() + "/" + fs::path(sSource).filename().string();
     fs::copy_file(sSource, sCopy, fs::copy_options::overwrite_existing);
-    CDocxParser parser;
-    ASSERT_EQ(parser.ReadDocx(sCopy.c_str()), 1) << sSource;
-    ASSERT_GE(parser.ParseStruct(0, "", true), 0) << sSource;
-    std::string sXml = ReadWholeFile(parser.m_sPath + "/word/document.xml");
+    CDocument doc;
+    ASSERT_GE(CDocImporter(nullptr).ParseDocx(doc, sCopy.c_str(), "", 0), 0) << sSource;
+    std::string sXml = ReadWholeFile(doc.m_sPath + "/word/document.xml");
 
     uint32_t nPrevious = 0;
     bool bFirst = true;
     std::map<uint32_t, const _tParagraph*> mapById;
-    for (const _tParagraph& para : parser.m_vecParagraph) {
+    for (const _tParagraph& para : doc.m_vecParagraph) {
       if (para.level == kLevelTable || para.level == kLevelFigure) continue;
       ASSERT_GE(para.id, 3u) << sSource;
       ASSERT_LT(para.id + 1, sXml.size()) << sSource;
@@ -143,8 +144,8 @@ TEST(CorpusTest, EveryDocumentReadsIntoASoundModel) {
     nAgreeAll += nAgree;
     nReferenceAll += vecReference.size();
     // The structure renders and writes for every document.
-    EXPECT_NE(std::string(parser.GetXMLData()).find("</Docx>"), std::string::npos) << sSource;
-    ASSERT_NE(parser.GetXMLFile(1), nullptr) << sSource;
+    EXPECT_NE(CStructureWriter(doc).Xml().find("</Docx>"), std::string::npos) << sSource;
+    ASSERT_NE(CStructureWriter::WriteStructureFile(doc, 1), "") << sSource;
   }
   EXPECT_GE(nAgreeAll * 100, nReferenceAll * 98) << nAgreeAll << " of " << nReferenceAll << " body paragraphs agree";
   printf("%zu of %zu body paragraphs agree with the independent reading\n", nAgreeAll, nReferenceAll);

@@ -9,7 +9,9 @@
 #include "TestDataDir.h"
 #include "checker/CheckResult.h"
 #include "docx/DocFormat.h"
-#include "docx/DocxParser.h"
+#include "checker/FormatComparison.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
 
 namespace fs = std::filesystem;
 
@@ -73,16 +75,17 @@ TEST_F(DocFormatTest, SectionBlockLayoutAndReading) {
                "\r\n</section_format>\r\n");
   _tSection_Format back;
   back.chapter_format = 7;
-  ASSERT_NE(back.Read(s.c_str()), nullptr);
+  ASSERT_NE(back.Read(s.data(), s.data() + s.size()), nullptr);
   EXPECT_TRUE(back.IsSameFormat(section));
   EXPECT_EQ(back.chapter_format, -1) << "absent chapter style reads as none";
   EXPECT_EQ(back.sample, section.sample);
 
   _tSection_Format late;
   late.level = 5;
-  late.Read("<section_format>\r\n</section_format>\r\n<level>9</level>");
+  const std::string sLate = "<section_format>\r\n</section_format>\r\n<level>9</level>", sNone = "no block";
+  late.Read(sLate.data(), sLate.data() + sLate.size());
   EXPECT_EQ(late.level, 0) << "a field after the block is not the block's";
-  EXPECT_EQ(late.Read("no block"), nullptr);
+  EXPECT_EQ(late.Read(sNone.data(), sNone.data() + sNone.size()), nullptr);
 }
 
 TEST_F(DocFormatTest, ReadingLevelsFontsAndRequiredTexts) {
@@ -100,7 +103,7 @@ TEST_F(DocFormatTest, ReadingLevelsFontsAndRequiredTexts) {
   EXPECT_EQ(format.m_vecRequired, (std::vector<std::string>{"摘 要", "参考文献"}));
   ASSERT_TRUE(format.m_pDict);
   EXPECT_EQ(format.m_pDict->GetId("参考文献"), 1);
-  EXPECT_EQ(format.m_pExists.size(), 2u);
+  EXPECT_EQ(format.FindRequired("摘 要和参考文献"), (std::vector<int>{0, 1}));
 }
 
 // Every real document's learned template reads back and writes the same text.
@@ -140,16 +143,16 @@ TEST_F(DocFormatTest, CorpusDocumentsFitTheirOwnTemplate) {
     ASSERT_EQ(learnt.GenerateDocFormat(2, "*", "*", "*", sCopy.c_str(), m_mapLevelId2Type, sText), 1) << sCopy;
     CDocFormat format;
     format.Import(sText.data(), sText.data() + sText.size(), m_mapType2LevelId);
-    CDocxParser parser;
-    ASSERT_EQ(parser.ReadDocx(sCopy.c_str()), 1) << sCopy;
-    parser.ParseStruct(2, nullptr, true);
+    CDocument doc;
+    ASSERT_GE(CDocImporter(nullptr).ParseDocx(doc, sCopy.c_str(), nullptr, 2), 0) << sCopy;
     CCheckResult result;
-    for (_tParagraph& para : parser.m_vecParagraph) format.CheckFormatOnParagraph(para, &result);
+    CFormatComparison comparison(format, nullptr);
+    for (const _tParagraph& para : doc.m_vecParagraph) comparison.CheckFormatOnParagraph(para, result);
     for (const _tCheckResult& finding : result.GetFindings())
       EXPECT_TRUE(finding.error_id != "1.1.1" && finding.error_id != "1.1.2" && finding.error_id != "1.1.3")
           << sCopy << ": " << finding.error_id << " " << finding.org_str << " -> " << finding.new_str << " in "
           << finding.text.substr(0, 60);
-    nCompared += parser.m_vecParagraph.size();
+    nCompared += doc.m_vecParagraph.size();
     ++nDocuments;
   }
   if (nDocuments == 0) GTEST_SKIP() << "no corpus at " << TARVOS_CORPUS_DIR;

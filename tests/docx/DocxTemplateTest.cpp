@@ -121,7 +121,7 @@ TEST_F(DocxTemplateTest, ListGivesDistinctArgumentsAndAreasInOrder) {
   store.ImportTemplate(1, "甲大学", "北京", "硕士", m_sSample.c_str());
   store.ImportTemplate(2, "甲大学", "广州", "博士", m_sSample.c_str());
   store.Save();
-  EXPECT_STREQ(store.GetTemplateList(1, "甲大学"),
+  EXPECT_EQ(store.GetTemplateList(1, "甲大学"),
                "{\r\n  \"ArguCount\": 2,\r\n  \"ArguList\": [\r\n    {\"argu\": \"本科\"},\r\n    {\"argu\": \"硕士\"}"
                "\r\n  ],\"AreaCount\": 2,\r\n  \"AreaList\": [\r\n    {\"area\": \"北京\"},\r\n    {\"area\": \"上海\"}\r\n  ]\r\n}");
   EXPECT_NE(std::string(store.GetTemplateList(-1, "甲大学")).find("广州"), std::string::npos) << "every type";

@@ -6,7 +6,8 @@
 #include <vector>
 
 #include "checker/CheckResult.h"
-#include "docx/DocxParser.h"
+#include "checker/ThesisPartsCheck.h"
+#include "docx/Document.h"
 #include "docx/PaperStructure.h"
 
 namespace {
@@ -49,12 +50,11 @@ TEST(PaperStructureTest, ClassifiesFrontAndBackMatter) {
 }
 
 TEST(PaperStructureTest, ReportsEachMissingPart) {
-  CDocxParser parser;
-  parser.m_vecParagraph = {Make("摘要", -503), Make("关键词：格式", -505), Make("第一章 引言", 1),
-                           Make("第二章 方法", 1)};
-  parser.m_vecDocStruct = {2, 3};
+  CDocument doc;
+  doc.m_vecParagraph = {Make("摘要", -503), Make("关键词：格式", -505), Make("第一章 引言", 1), Make("第二章 方法", 1)};
+  doc.BuildIndexes();
   CCheckResult result;
-  EXPECT_EQ(CPaperStructure::CheckParts(parser, result), 6);
+  EXPECT_EQ(CThesisPartsCheck::CheckParts(doc, result), 6);
   std::vector<std::string> vecIds;
   for (const _tCheckResult& r : result.GetFindings()) vecIds.push_back(r.error_id + ":" + r.new_str);
   EXPECT_EQ(vecIds, (std::vector<std::string>{"14.2:Abstract", "14.4:Keywords", "14.5:目录", "14.7:结论", "14.8:参考文献",

@@ -11,6 +11,8 @@
 
 #include "DocxFixture.h"
 #include "TestDataDir.h"
+#include "docx/Document.h"
+#include "docx/DocxPackage.h"
 #include "docx/DocxParser.h"
 #include "utility/ErrorLog.h"
 
@@ -54,8 +56,8 @@ TEST_F(ZipArchiveTest, UnsafeNamesAndLinksAreRefusedWholesale) {
   };
   for (const auto& c : kCases) {
     ASSERT_TRUE(WriteSpecialZip(Doc("hostile2.docx"), c.szName, c.nAttr, 10, 'x'));
-    CDocxParser parser;
-    EXPECT_EQ(parser.ReadDocx(Doc("hostile2.docx").c_str()), -3) << c.szName;
+    CDocxPackage package;
+    EXPECT_EQ(package.ReadDocx(Doc("hostile2.docx").c_str()), -3) << c.szName;
     EXPECT_NE(GetLastError().find(c.szWhy), std::string::npos) << c.szName << ": " << GetLastError();
     EXPECT_FALSE(fs::exists(Doc("hostile2_unzip/word"))) << "nothing is unpacked from a refused package";
   }
@@ -67,16 +69,16 @@ TEST_F(ZipArchiveTest, TooManyEntriesAreRefused) {
   std::vector<std::pair<std::string, std::string>> vecEntries;
   for (int i = 0; i < 20000; ++i) vecEntries.emplace_back("f/" + std::to_string(i), "");
   ASSERT_TRUE(WriteZip(Doc("many.docx"), vecEntries, true));
-  CDocxParser parser;
-  EXPECT_EQ(parser.ReadDocx(Doc("many.docx").c_str()), -3);
+  CDocxPackage package;
+  EXPECT_EQ(package.ReadDocx(Doc("many.docx").c_str()), -3);
   EXPECT_NE(GetLastError().find("20000 entries"), std::string::npos) << GetLastError();
 }
 
 TEST_F(ZipArchiveTest, CompressionBombsAreRefused) {
   ASSERT_TRUE(WriteSpecialZip(Doc("bomb.docx"), "word/document.xml", 0, (size_t)1 << 30, '\0'));
   EXPECT_LT(fs::file_size(Doc("bomb.docx")), (uintmax_t)2 << 20) << "1 GB packed into about 1 MB";
-  CDocxParser parser;
-  EXPECT_EQ(parser.ReadDocx(Doc("bomb.docx").c_str()), -3);
+  CDocxPackage package;
+  EXPECT_EQ(package.ReadDocx(Doc("bomb.docx").c_str()), -3);
   EXPECT_NE(GetLastError().find("times its size"), std::string::npos) << GetLastError();
   ExpectNothingOutside();
 }
@@ -85,21 +87,22 @@ TEST_F(ZipArchiveTest, BrokenPackagesFailOrGivePartialModels) {
   ASSERT_TRUE(WriteDocx(Doc("whole.docx"), Para(TextRun("第一段")) + Para(TextRun("第二段"))));
   std::string sWhole = ReadWholeFile(Doc("whole.docx"));
   std::ofstream(Doc("cut.docx"), std::ios::binary) << sWhole.substr(0, sWhole.size() / 2);
-  CDocxParser parser;
-  EXPECT_EQ(parser.ReadDocx(Doc("cut.docx").c_str()), -2) << "a truncated zip cannot be read";
+  CDocxPackage package;
+  CDocument doc;
+  EXPECT_EQ(package.ReadDocx(Doc("cut.docx").c_str()), -2) << "a truncated zip cannot be read";
   EXPECT_NE(GetLastError().find("Error unzip"), std::string::npos);
-  EXPECT_EQ(parser.ReadDocx(Doc("none.docx").c_str()), -2);
-  EXPECT_TRUE(parser.m_vecParagraph.empty());
+  EXPECT_EQ(package.ReadDocx(Doc("none.docx").c_str()), -2);
 
   ASSERT_TRUE(WriteZip(Doc("nodoc.docx"), {{"word/styles.xml", "<w:styles/>"}}));
-  ASSERT_EQ(parser.ReadDocx(Doc("nodoc.docx").c_str()), 1);
-  EXPECT_EQ(parser.ParseStruct(0, "", true), -1);
+  ASSERT_EQ(package.ReadDocx(Doc("nodoc.docx").c_str()), 1);
+  EXPECT_EQ(CDocxParser().ParseStruct(package, 0, "", true, doc), -1);
+  EXPECT_TRUE(doc.m_vecParagraph.empty());
 
   const std::string sXml = DocumentXml(Para(TextRun("第一段")) + Para(TextRun("第二段，<tag>")));
   for (size_t nCut = 0; nCut < sXml.size(); nCut += 7) {
     ASSERT_TRUE(WriteZip(Doc("half.docx"), {{"word/document.xml", sXml.substr(0, nCut)}}));
-    ASSERT_EQ(parser.ReadDocx(Doc("half.docx").c_str()), 1);
-    int nParas = parser.ParseStruct(0, "", true);
+    ASSERT_EQ(package.ReadDocx(Doc("half.docx").c_str()), 1);
+    int nParas = CDocxParser().ParseStruct(package, 0, "", true, doc);
     EXPECT_LE(nParas, 2) << "cut at " << nCut;
   }
   ExpectNothingOutside();
@@ -107,13 +110,14 @@ TEST_F(ZipArchiveTest, BrokenPackagesFailOrGivePartialModels) {
 
 TEST_F(ZipArchiveTest, ReadingTwiceOverwritesTheWorkingFolder) {
   ASSERT_TRUE(WriteDocx(Doc("twice.docx"), Para(TextRun("旧的"))));
-  CDocxParser parser;
-  ASSERT_EQ(parser.ReadDocx(Doc("twice.docx").c_str()), 1);
+  CDocxPackage package;
+  ASSERT_EQ(package.ReadDocx(Doc("twice.docx").c_str()), 1);
   ASSERT_TRUE(WriteDocx(Doc("twice.docx"), Para(TextRun("新的"))));
-  ASSERT_EQ(parser.ReadDocx(Doc("twice.docx").c_str()), 1);
-  ASSERT_EQ(parser.ParseStruct(0, "", true), 1);
-  EXPECT_EQ(parser.m_vecParagraph[0].text, "新的");
-  EXPECT_EQ(parser.m_sPath, Doc("twice_unzip"));
+  ASSERT_EQ(package.ReadDocx(Doc("twice.docx").c_str()), 1);
+  CDocument doc;
+  ASSERT_EQ(CDocxParser().ParseStruct(package, 0, "", true, doc), 1);
+  EXPECT_EQ(doc.m_vecParagraph[0].text, "新的");
+  EXPECT_EQ(doc.m_sPath, Doc("twice_unzip"));
 }
 
 }  // namespace

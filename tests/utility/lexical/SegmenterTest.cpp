@@ -122,7 +122,7 @@ TEST_F(SegmenterTest, NothingOfTheInputIsLost) {
   vecTexts.push_back(sLong);
   for (const std::string& sText : vecTexts) {
     std::vector<_tToken> vecTokens;
-    ASSERT_TRUE(QUENDA_Segment(sText, vecTokens));
+    QUENDA_Analyser()->Segment(sText, vecTokens);
     std::string sJoined, sBare;
     size_t nPrevEnd = 0;
     for (const _tToken& t : vecTokens) {

@@ -1,7 +1,6 @@
 // The scanning calls of the rule engine: numbered rule-set instances that
-// scan texts and documents, with their own table, mutex and result buffers.
-#include <unistd.h>
-
+// scan texts and documents, with their own table, mutex and texts. Each
+// instance keeps the latest text of each call.
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -12,17 +11,26 @@
 #include "tarvos.h"
 #include "utility/BufferManager.h"
 #include "utility/ErrorLog.h"
+#include "utility/FileUtil.h"
 #include "utility/lexical/Lexical.h"
 
 namespace {
 
-std::mutex g_mutexZYG;                         // guards everything below
-bool g_bZYGInit = false;                       // between ZYG_Init and ZYG_Exit
-tstring g_sZYGDataPath;                        // data directory + "/Data/"
-std::vector<std::unique_ptr<CZYG>> g_vecZYG;   // handle -> rule set; deleted slots stay empty
-std::unique_ptr<CBufferManager> g_pZYGBuffer;  // every text returned until ZYG_Exit
+// The calls of a scanning instance that return text, one slot each.
+enum EScanText { kScanText };
 
-CZYG* GetZYGWorker(int handle) {
+struct _tScanInstance {
+  explicit _tScanInstance(CZYG* pRules) : pZYG(pRules) {}
+  std::unique_ptr<CZYG> pZYG;  // the rule set of its document type
+  CBufferManager texts;        // its texts, one per call
+};
+
+std::mutex g_mutexZYG;                                  // guards everything below
+bool g_bZYGInit = false;                                // between ZYG_Init and ZYG_Exit
+tstring g_sZYGDataPath;                                 // data directory + "/Data/"
+std::vector<std::unique_ptr<_tScanInstance>> g_vecZYG;  // handle -> instance; deleted slots stay empty
+
+_tScanInstance* GetZYGWorker(int handle) {
   {
     std::lock_guard<std::mutex> lock(g_mutexZYG);
     if (g_bZYGInit && handle >= 0 && (size_t)handle < g_vecZYG.size() && g_vecZYG[handle])
@@ -30,11 +38,6 @@ CZYG* GetZYGWorker(int handle) {
   }
   SetHandleError("GetZYGWorker  argument(handle %d) is invalid!", handle);
   return nullptr;
-}
-
-const char* KeepText(const tstring& sText) {
-  std::lock_guard<std::mutex> lock(g_mutexZYG);
-  return g_pZYGBuffer ? g_pZYGBuffer->Keep(sText) : "";
 }
 
 // The scanning of whole documents and text files comes with the extraction
@@ -45,16 +48,11 @@ const char* ScanMissing(const char* sFn, const char* sArgument, const char* sVal
   return "";
 }
 
-tstring WorkingDirectory() {
-  char sBuffer[1000];
-  return getcwd(sBuffer, sizeof(sBuffer)) ? tstring(sBuffer) : tstring();
-}
-
 }  // namespace
 
 extern "C" TARVOS_API int ZYG_Init(const char* sInitDirPath) {
   return ApiGuard(__func__, -1, [=](const char*) {
-    tstring sDir = sInitDirPath && *sInitDirPath ? tstring(sInitDirPath) : WorkingDirectory();
+    tstring sDir = sInitDirPath && *sInitDirPath ? tstring(sInitDirPath) : CurrentDirectory();
     if (QUENDA_Init(sDir.c_str()) != 1) {
       SetLastError("Error Init MORVEL from " + sDir);
       return -1;
@@ -62,7 +60,6 @@ extern "C" TARVOS_API int ZYG_Init(const char* sInitDirPath) {
     {
       std::lock_guard<std::mutex> lock(g_mutexZYG);
       g_vecZYG.clear();
-      g_pZYGBuffer.reset(new CBufferManager);
       g_sZYGDataPath = sDir + "/Data/";
       g_bZYGInit = true;
     }
@@ -76,7 +73,6 @@ extern "C" TARVOS_API void ZYG_Exit(void) {
     QUENDA_Exit();
     std::lock_guard<std::mutex> lock(g_mutexZYG);
     g_vecZYG.clear();
-    g_pZYGBuffer.reset();
     g_bZYGInit = false;
   });
 }
@@ -88,14 +84,14 @@ extern "C" TARVOS_API int ZYG_NewInstance(int nDocType) {
       SetLastError("Not Init, no operation!");
       return -1;
     }
-    g_vecZYG.emplace_back(new CZYG(g_sZYGDataPath.c_str(), nDocType));
+    g_vecZYG.emplace_back(new _tScanInstance(new CZYG(g_sZYGDataPath.c_str(), nDocType)));
     return (int)g_vecZYG.size() - 1;
   });
 }
 
 extern "C" TARVOS_API int ZYG_DeleteInstance(int handle) {
   return ApiGuard(__func__, 0, [=](const char*) {
-    std::unique_ptr<CZYG> pDoomed;
+    std::unique_ptr<_tScanInstance> pDoomed;
     std::lock_guard<std::mutex> lock(g_mutexZYG);
     if (handle < 0 || (size_t)handle >= g_vecZYG.size()) {
       SetHandleError("DC_DeleteInstance  argument(handle %d) is invalid!", handle);
@@ -108,18 +104,18 @@ extern "C" TARVOS_API int ZYG_DeleteInstance(int handle) {
 
 extern "C" TARVOS_API int ZYG_ImportRule(const char* sXMLFile, bool bOverwrite, int handle) {
   return ApiGuard(__func__, 0, [=](const char* sFn) {
-    CZYG* pZYG = GetZYGWorker(handle);
-    if (!pZYG || !ArgGiven(sFn, "sXMLFile", sXMLFile)) return 0;
-    return pZYG->ImportRule(sXMLFile, bOverwrite);
+    _tScanInstance* pInstance = GetZYGWorker(handle);
+    if (!pInstance || !ArgGiven(sFn, "sXMLFile", sXMLFile)) return 0;
+    return pInstance->pZYG->ImportRule(sXMLFile, bOverwrite);
   });
 }
 
 extern "C" TARVOS_API const char* ZYG_ScanText(const char* sText, int nParaId, int handle) {
   return ApiGuard<const char*>(__func__, "", [=](const char* sFn) -> const char* {
-    CZYG* pZYG = GetZYGWorker(handle);
-    if (!pZYG || !ArgGiven(sFn, "sText", sText)) return "";
+    _tScanInstance* pInstance = GetZYGWorker(handle);
+    if (!pInstance || !ArgGiven(sFn, "sText", sText)) return "";
     tstring sResult;
-    return pZYG->ScanText(sText, nParaId, sResult) ? KeepText(sResult) : "";
+    return pInstance->pZYG->ScanText(sText, nParaId, sResult) ? pInstance->texts.Keep(kScanText, sResult) : "";
   });
 }
 

@@ -1,0 +1,57 @@
+// A checking instance built directly on services, without the exported
+// calls: the error-word findings, and a whole check on an engine object.
+#include <gtest/gtest.h>
+
+#include "DocxFixture.h"
+#include "TestDataDir.h"
+#include "api/Engine.h"
+#include "checker/CheckResult.h"
+#include "checker/ReportChecker.h"
+#include "docx/Document.h"
+
+namespace {
+
+// The scanner's correction list turns into error-word findings.
+TEST(ReportCheckerTest, CorrectionListsBecomeFindings) {
+  const _tCheckServices services;  // nothing started: no catalogue, no scanner
+  CReportChecker checker(&services);
+  _tParagraph para;
+  para.id = 0x40;
+  para.text = "这是错字，又是错字和别字";
+  struct { const char* szScan; int nResult; } kCases[] = {
+      {"no list", -1}, {"(Check x", -2}, {"(Check x)a-->b", -3},
+      {"(Check x)正字-->错字##真字-->错字##好字-->别字##stop$", 1},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(checker.AddErrorWords(c.szScan, para), c.nResult) << c.szScan;
+  const auto& vecFindings = checker.GetCheckResult().GetFindings();
+  ASSERT_EQ(vecFindings.size(), 3u);
+  EXPECT_EQ(vecFindings[0].new_str, "正字");
+  EXPECT_EQ(vecFindings[0].org_str, "错字");
+  EXPECT_EQ(vecFindings[0].offset, 6u);
+  EXPECT_EQ(vecFindings[1].offset, 6u) << "the search starts at the previous match itself";
+  EXPECT_EQ(vecFindings[2].org_str, "别字");
+  EXPECT_EQ(vecFindings[2].offset, std::string("这是错字，又是错字和").size());
+  EXPECT_EQ(vecFindings[2].error_id, "1.5.2");
+  EXPECT_EQ(vecFindings[2].field_id, 2);
+  EXPECT_EQ(vecFindings[2].revise_type, 1);
+  EXPECT_EQ(vecFindings[2].error_msg, "Wrong text id 1.5.2") << "no catalogue was given";
+}
+
+// An engine object gives its services to an instance of the test's own.
+TEST(ReportCheckerTest, ChecksOnAnEngineBuiltDirectly) {
+  CTestDataDir data;
+  CEngine engine;
+  ASSERT_EQ(engine.Start(data.Root().c_str()), 1);
+  std::string sDoc = data.Root() + "/report.docx";
+  ASSERT_TRUE(WriteDocx(sDoc, Para(TextRun("第一章 绪论"), "<w:outlineLvl w:val=\"0\"/>") + Para(TextRun("正文。"))));
+  CReportChecker checker(&engine.Services());
+  ASSERT_EQ(checker.ImportFile(sDoc.c_str(), "", 1, 1), 1);
+  ASSERT_EQ(checker.Check(1, 1, "", false), 1);
+  std::vector<std::string> vecIds;
+  for (const _tCheckResult& r : checker.GetCheckResult().GetFindings()) vecIds.push_back(r.error_id);
+  EXPECT_NE(std::find(vecIds.begin(), vecIds.end(), "1.6"), vecIds.end()) << "a heading without contents";
+  EXPECT_EQ(checker.GetDocument().m_vecParagraph.size(), 2u);
+  EXPECT_EQ(checker.GetDocument().m_vecParagraph[1].segment_txt, "正文/nz 。/wj") << "segmented by the engine's analyser";
+}
+
+}  // namespace

@@ -1,0 +1,10 @@
+#pragma once
+// The one way the engine writes JSON: jsoncpp, UTF-8 kept as it is (no
+// \u escapes), objects with their keys in jsoncpp's order. The structure
+// text keeps its keys in a fixed order and has a writer of its own.
+#include <json/json.h>
+
+#include "utility/TString.h"
+
+// The value as text: indented by two blanks per level, or on one line.
+tstring JsonText(const Json::Value& value, bool bIndent = true);
