@@ -19,8 +19,6 @@
 // two spelling dictionaries; "KnowGraph.txt"; the encoding recogniser;
 // country detection ("CountryDetect"); then instance 0. Non-fatal failures
 // leave their reason as the last error.
-#include <pthread.h>
-
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -30,14 +28,7 @@
 #include "checker/CheckServices.h"
 #include "utility/TString.h"
 
-class CDocFormatCheck;
-class CID2Message;
-class CKeyScanner;
-class CLexicalAnalyser;
-class CNum2FontSize;
-class CQueryExpand;
 class CReportChecker;
-class CZYGManager;
 
 class CEngine {
  public:

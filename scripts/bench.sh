@@ -56,3 +56,13 @@ echo "== findings and a whole check"
 echo
 echo "== format check against the parse of the same report"
 "$build/bench/tarvos_bench_format" "$build/data" "$work/report.docx" 1
+
+echo
+echo "== checks per second: one instance, then two threads on two instances (the corpus)"
+docs=$(ls ../shared/corpus/real/zh/*.docx ../shared/corpus/real/other/*.docx 2>/dev/null || true)
+if [ -n "$docs" ]; then
+  # shellcheck disable=SC2086
+  "$build/bench/tarvos_bench_throughput" "$build/data" "$work/throughput" 2 $docs
+else
+  echo "no corpus at ../shared/corpus/real: skipped"
+fi

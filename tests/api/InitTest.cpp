@@ -194,6 +194,7 @@ TEST_F(InitTest, ImportErrorMsgSavesBesideTheParentOfTheStartingDirectory) {
   ASSERT_EQ(saved.Load(m_data.Data("Error/ErrorMessage.dat").c_str()), 1);
   ASSERT_EQ(saved.GetMessages().size(), 2u);
   EXPECT_EQ(saved.GetMessages().at("9.9"), "text");
+  EXPECT_EQ(TARVOS_ImportErrorMsg(m_data.Data("no-such-list.txt").c_str()), -1) << "nothing read, nothing saved";
 }
 
 TEST_F(InitTest, ImportCallsReachTheirServices) {

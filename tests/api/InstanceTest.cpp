@@ -11,6 +11,8 @@
 
 #include "DocxFixture.h"
 #include "TestDataDir.h"
+#include "api/Globals.h"
+#include "checker/ReportChecker.h"
 #include "tarvos.h"
 
 namespace {
@@ -60,17 +62,30 @@ TEST_F(InstanceTest, CheckOfAMissingFileNamesTheFileAsPassed) {
   EXPECT_EQ(std::string(TARVOS_GetLastErrorMsg()), std::string("Cannot open file ") + sName);
 }
 
-TEST_F(InstanceTest, StoredTextsAreFreshCopiesThatLiveWithTheInstance) {
+TEST_F(InstanceTest, EachCallKeepsItsLatestTextAndInstancesDoNotGrow) {
   int other = TARVOS_NewInstance();
   const char* sFirst = TARVOS_GetResult(1, 0);
   const char* sSecond = TARVOS_GetResult(6, 0);
   ASSERT_NE(sFirst, nullptr);
   ASSERT_NE(sSecond, nullptr);
   EXPECT_NE(sFirst, sSecond);
+  const char* sChecked = TARVOS_CheckReportM("第一行", nullptr, "", 1, 1, false, 0);
+  ASSERT_NE(sChecked, nullptr);
   for (int i = 0; i < 100; ++i) TARVOS_GetResult(7, other);
-  EXPECT_STREQ(sFirst, "");  // still readable after calls on another handle (ASan watches)
+  EXPECT_STREQ(sFirst, "") << "still readable after calls of other kinds and handles (ASan watches)";
+  EXPECT_EQ(sChecked[0], '{');
   EXPECT_EQ(TARVOS_GetResult(5, 0), nullptr);
   EXPECT_EQ(TARVOS_GetResult(-1, 0), nullptr);
+  // A host that checks many texts on one instance keeps one text per call.
+  const CReportChecker* pChecker = g_pEngine->GetReportCheckerWorker(0);
+  for (int i = 0; i < 3; ++i) TARVOS_CheckReportM("第一行", nullptr, "", 1, 1, false, 0);
+  const size_t nBytes = pChecker->GetBufferManager().GetSize();
+  for (int i = 0; i < 300; ++i) {
+    TARVOS_CheckReportM("第一行", nullptr, "", 1, 1, false, 0);
+    TARVOS_GetResult(0, 0);
+  }
+  EXPECT_EQ(pChecker->GetBufferManager().GetSize(), nBytes);
+  EXPECT_LE(pChecker->GetBufferManager().GetCount(), 4u);
 }
 
 TEST_F(InstanceTest, LastErrorIsAThreadCopy) {
@@ -240,6 +255,11 @@ TEST_F(InstanceTest, AFormatReCheckUsesTheChosenTemplate) {
   std::string sXml = ReadWholeFile(sReChecked);
   EXPECT_NE(sXml.find(">1.1.1<"), std::string::npos);
   EXPECT_NE(sXml.find("<TotalCount>1</TotalCount>"), std::string::npos) << "found once, not once per run";
+  EXPECT_EQ(TARVOS_ReCheckFormat(sChecked.c_str(), 7, 0, 0), nullptr) << "there is no template 7";
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "No template 7");
+  EXPECT_EQ(TARVOS_EditTemplate(7, sSample.c_str(), 5, "*", "*", "*"), -1);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "No template 7");
+  EXPECT_EQ(TARVOS_GetTemplateCount(), 1);
 }
 
 TEST_F(InstanceTest, ShowHtmlErrorReturnsItsErrorText) {

@@ -68,6 +68,26 @@ TEST_F(DocxTemplateTest, EditWithoutAFileChangesOnlyTheKeys) {
   EXPECT_EQ(store.FindTemplate(1, "甲大学", "*", "本科", true), -1);
   std::string sAfter = store.GetTemplate(0);
   EXPECT_EQ(sAfter.substr(sAfter.find("\"zyg_format\"")), sFormat);
+  EXPECT_EQ(store.EditTemplate(1, 3, "丁大学", "*", "博士", m_sSample.c_str()), -1) << "no template 1 to replace";
+  EXPECT_EQ(store.EditTemplate(-1, 3, "丁大学", "*", "博士", nullptr), -1);
+  EXPECT_EQ(store.GetCount(), 1u) << "nothing appended";
+}
+
+// Saving a store whose templates did not change writes the same index: the
+// pool of lists is rebuilt, not appended to.
+TEST_F(DocxTemplateTest, SavingAnUnchangedStoreKeepsTheIndexSize) {
+  CDocxTemplate store(m_dir.Path().c_str());
+  store.ImportTemplate(1, "甲大学", "*", "本科", m_sSample.c_str());
+  store.ImportTemplate(2, "乙大学", "北京", "*", m_sSample.c_str());
+  ASSERT_EQ(store.Save(), 1);
+  const std::string sIndex = m_dir.Path() + "/data/template/docTemplate.index";
+  const std::string sFirst = ReadWholeFile(sIndex);
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(store.EditTemplate(0, 1, "甲大学", "*", "本科", nullptr), 0) << "the same keys again";
+    EXPECT_EQ(ReadWholeFile(sIndex).size(), sFirst.size()) << "save " << i;
+  }
+  CDocxTemplate reopened(m_dir.Path().c_str());
+  EXPECT_EQ(reopened.FindTemplate(2, "乙大学", "北京", "*", true), 1);
 }
 
 TEST_F(DocxTemplateTest, DeletingShiftsLaterIdsAndCompactionKeepsTheirTexts) {
