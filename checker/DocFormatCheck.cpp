@@ -1,6 +1,7 @@
 #include "checker/DocFormatCheck.h"
 
 #include "checker/CheckResult.h"
+#include "checker/ConsistencyCheck.h"
 #include "checker/FormatCheckRun.h"
 #include "checker/FormatComparison.h"
 #include "docx/DocFormat.h"
@@ -12,18 +13,34 @@ CDocFormatCheck::CDocFormatCheck(const char* sDataPath, const CNum2FontSize* pSi
 
 int CDocFormatCheck::Check(CDocument& doc, CCheckResult& result, int nReportType, const _tTemplateKeys& keys) const {
   CFormatCheckRun(doc, result, nReportType).Run();
+  CConsistencyCheck(m_pSizeNames).Check(doc, result);
   if (nReportType == 3) return 2;
   CDocFormat docFormat;
-  m_pDocTemplate->FindTemplate(nReportType, keys.organization.c_str(), keys.area.c_str(), keys.argument.c_str(),
-                               docFormat);
+  const int nFound = m_pDocTemplate->FindTemplate(nReportType, keys.organization.c_str(), keys.area.c_str(),
+                                                  keys.argument.c_str(), docFormat);
   const tstring sKeys = "organization=" + keys.organization + "  and area=" + keys.area + "  and argument=" + keys.argument;
   if (docFormat.IsEmpty()) {
     SetLastError("Cannot find right template with " + sKeys);
     return -2;
   }
   WriteLog("Find and use template with " + sKeys);
+  const tstring sChosen = m_pDocTemplate->GetOrganization(nFound < 0 ? 0 : nFound);
+  if (sChosen == "*" || sChosen != keys.organization) AddDefaultTemplateNote(result);
   CheckWithFormat(doc, result, docFormat);
   return 1;
+}
+
+// The template that fits is not the organisation's own (one filed for any
+// organisation, or the fallback): the user learns why the format findings
+// may not be their house's rules, and what to do.
+void CDocFormatCheck::AddDefaultTemplateNote(CCheckResult& result) {
+  _tCheckResult note;
+  note.para_id = (uint32_t)-1;
+  note.error_id = "15.9";
+  note.field_id = 5;
+  note.revise_type = 4;
+  note.new_str = kDefaultTemplateNote;
+  result.AddResult(note);
 }
 
 int CDocFormatCheck::ReCheck(const CDocument& doc, CCheckResult& result, int nTemplateID) const {

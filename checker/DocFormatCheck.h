@@ -11,9 +11,13 @@
 // headers list the rules). The template calls that change the store must
 // not overlap a check (the engine's writer lock sees to that).
 //
-// A check runs, in order: the CFormatCheckRun rules, then (except for report
-// type 3) the template chosen by report type and keys, compared with every
-// paragraph.
+// A check runs, in order: the CFormatCheckRun rules, the document's own
+// consistency (CConsistencyCheck), then (except for report type 3) the
+// template chosen by report type and keys, compared with every paragraph.
+// When that template is not one filed for the document's organisation (one
+// filed for any organisation, "*", or the fallback, template 0), a note
+// "15.9" says so (kDefaultTemplateNote, anchored at paragraph id all ones,
+// scored 0).
 #include <memory>
 
 #include "docx/DocxTemplate.h"
@@ -24,6 +28,8 @@ class CDocFormat;
 class CDocument;
 class CNum2FontSize;
 struct _tTemplateKeys;
+
+inline constexpr char kDefaultTemplateNote[] = "no template for this organisation; checked against the default";
 
 class CDocFormatCheck {
  public:
@@ -59,6 +65,8 @@ class CDocFormatCheck {
   tstring GetTemplateList(int docType, const char* sOrgnization) const;
 
  private:
+  static void AddDefaultTemplateNote(CCheckResult& result);
+
   std::unique_ptr<CDocxTemplate> m_pDocTemplate;  // the template store
   const CNum2FontSize* m_pSizeNames;              // not owned; may be null
   tstring m_sDataPath;                            // data directory the store lives in

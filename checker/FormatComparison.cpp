@@ -51,7 +51,7 @@ bool NumberingDiffers(const _tParagraph& para, const _tSection_Format& pattern, 
     size_t nOpen = para.text.rfind('(');
     ExtractOrder(nOpen == tstring::npos ? para.text : para.text.substr(nOpen), kOrderFormula, found);
   } else {
-    ExtractOrder(para.text, kOrderHeading, found);
+    ExtractOrder(para.NumberedText(), kOrderHeading, found);
   }
   if (found.order < 1 || found.IsSameFormat(pattern)) return false;
   sFound = found.text;

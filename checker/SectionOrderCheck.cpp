@@ -3,14 +3,17 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <strings.h>
 
 #include "checker/CheckResult.h"
 #include "docx/Document.h"
 #include "utility/NumberOrder.h"
+#include "utility/Utf8.h"
 
 namespace {
 
 const int kMaxHeadingLevel = 4;
+const size_t kShortCaption = 30;  // characters after the number of a caption glued to it
 
 // The number of `info` with its parts replaced, in its own style.
 tstring Renumbered(const _tSection_Info& info, const std::vector<int>& vecOrders) {
@@ -79,24 +82,37 @@ const _tParagraph* CSectionOrderCheck::ParagraphWithId(uint32_t nParaId) const {
   return &m_doc.m_vecParagraph[index.para_index];
 }
 
+// Parts ("第一部分", "第二篇", "Part 1") hold chapters: the chapters under
+// each part are numbered from nFirst again, and the parts have a series of
+// their own.
+bool CSectionOrderCheck::IsPart(const _tSection_Info& info) {
+  static const char* const kPartWords[] = {"部分", "篇", "编"};
+  for (const char* szWord : kPartWords)
+    if (info.post.compare(0, strlen(szWord), szWord) == 0) return true;
+  return strncasecmp(info.prefix.c_str(), "part", 4) == 0;
+}
+
 void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {
-  int nWant = nFirst;
+  int nWantPart = 1, nWant = nFirst;
   for (_tSection_Info& part : vecParts) {
     if (part.order <= 0 || part.error_id == "1.3.7") continue;
+    const bool bPart = IsPart(part);
+    int& nExpected = bPart ? nWantPart : nWant;
     const _tParagraph* pPara = ParagraphWithId(part.para_id);
-    if (part.order > nWant) {
+    if (part.order > nExpected) {
       part.error_id = "1.3.14";
-      if (pPara) Add(*pPara, "1.3.14", part.text, WithLast(part, nWant));
-      nWant = part.order + 1;
-    } else if (part.order < nWant) {
+      if (pPara) Add(*pPara, "1.3.14", part.text, WithLast(part, nExpected));
+      nExpected = part.order + 1;
+    } else if (part.order < nExpected) {
       part.error_id = "1.3.15";
-      part.orderNew = nWant;
-      part.textNew = WithLast(part, nWant);
+      part.orderNew = nExpected;
+      part.textNew = WithLast(part, nExpected);
       if (pPara) Add(*pPara, "1.3.15", part.text, part.textNew);
-      ++nWant;
+      ++nExpected;
     } else {
-      ++nWant;
+      ++nExpected;
     }
+    if (bPart) nWant = nFirst;
   }
 }
 
@@ -126,7 +142,7 @@ size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const ts
     }
     if (para.level > kMaxHeadingLevel) continue;
     _tSection_Info info;
-    if (ExtractOrder(para.text, kOrderHeading, info) <= 0) continue;
+    if (ExtractOrder(para.NumberedText(), kOrderHeading, info) <= 0) continue;
     const int nChapter = sChapId.empty() ? ChapterAt((size_t)vecHeadings[i]) : atoi(sChapId.c_str());
     if (para.level > nPrevLevel + 1)
       Add(para, "1.3.5", info.text, "");
@@ -137,6 +153,8 @@ size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const ts
       Add(para, "1.3.11", info.text, Renumbered(info, vecOrders));
     }
     int& nLast = vecLast[para.level];
+    const size_t nScopeStart = i > nStart ? (size_t)vecHeadings[nStart] : 0;
+    if (nLast == 0 && RunsOnFromText((size_t)vecHeadings[i], nScopeStart, info)) nLast = info.order - 1;
     if (info.order == nLast + 1) {
       nLast = info.order;
     } else if (info.order > nLast + 1) {
@@ -165,12 +183,41 @@ void CSectionOrderCheck::CheckSeries(const _tParagraph& para, const _tSection_In
   series.nLast = std::max(series.nLast, info.order);
 }
 
+bool CSectionOrderCheck::RunsOnFromText(size_t nIndex, size_t nScopeStart, const _tSection_Info& info) const {
+  if (info.order <= 1) return false;
+  for (size_t k = nIndex; k-- > nScopeStart;) {
+    const _tParagraph& para = m_doc.m_vecParagraph[k];
+    if (para.level != kLevelBody) continue;
+    _tSection_Info before;
+    if (ExtractOrder(para.NumberedText(), kOrderHeading, before) == info.order - 1 && before.IsSameFormat(info))
+      return true;
+  }
+  return false;
+}
+
+bool CSectionOrderCheck::IsCaptionShaped(const _tParagraph& para, const _tSection_Info& info) {
+  if (para.HasSeqField() || (para.kinds & kKindCaptionStyle)) return true;
+  const tstring sSeen = para.NumberedText();
+  const size_t nNumber = sSeen.find(info.text);
+  if (nNumber == tstring::npos) return false;
+  const tstring sAfter = sSeen.substr(nNumber + info.text.size());
+  static const char* const kSeparators[] = {" ", "\t", "：", ":", ".", "．", "、", "-", "\u3000"};
+  if (sAfter.empty()) return true;
+  for (const char* szSeparator : kSeparators)
+    if (sAfter.compare(0, strlen(szSeparator), szSeparator) == 0) return true;
+  // A caption glued to its number ("图3系统结构") is short and holds no clause.
+  static const char* const kClauseMarks[] = {"，", "。", "；", ",", ";"};
+  for (const char* szMark : kClauseMarks)
+    if (sAfter.find(szMark) != tstring::npos) return false;
+  return Utf8Length(sAfter) <= kShortCaption;
+}
+
 void CSectionOrderCheck::CheckFigureTableOrder() {
   _tSeries figures, tables;
   for (const _tParagraph& para : m_doc.m_vecParagraph) {
     if (para.level != kLevelFigureCaption && para.level != kLevelTableCaption) continue;
     _tSection_Info info;
-    if (ExtractOrder(para.text, kOrderHeading, info) <= 0) continue;
+    if (ExtractOrder(para.NumberedText(), kOrderHeading, info) <= 0 || !IsCaptionShaped(para, info)) continue;
     if (para.level == kLevelFigureCaption)
       CheckSeries(para, info, figures, "1.3.8");
     else
@@ -195,7 +242,7 @@ void CSectionOrderCheck::CheckReferenceOrder() {
   for (int i = nStart; i <= m_doc.ReferenceEnd() && (size_t)i < m_doc.m_vecParagraph.size(); ++i) {
     const _tParagraph& para = m_doc.m_vecParagraph[i];
     _tSection_Info info;
-    if (ExtractOrder(para.text, kOrderHeading, info) <= 0 || info.prefix != "[") continue;
+    if (ExtractOrder(para.NumberedText(), kOrderHeading, info) <= 0 || info.prefix != "[") continue;
     CheckSeries(para, info, references, "1.3.6");
   }
 }

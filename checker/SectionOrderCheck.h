@@ -7,15 +7,27 @@
 // number found, new_str the number expected, both as the text shows them):
 //   parts (chapters) 1, 2, 3 ...  a skipped number            "1.3.14"
 //                                 a number not above the last "1.3.15"
+//   (chapters restart under each part "第一部分", "第二篇", "Part 2", which
+//   run in a series of their own)
 //   sections within a chapter, per heading level, restarting under each
 //   higher heading:               a skipped number            "1.3.1"
 //                                 the previous number again   "1.3.3"
 //                                 a number below the previous "1.3.6"
 //                                 a level deeper by two       "1.3.5"
 //                                 "2.3" under chapter 3       "1.3.11"
+//   A heading whose number is the first of its level in its chapter runs
+//   on, without a finding, from a body paragraph before it in the chapter
+//   numbered the same way and one less ("六、" as text, then "七、" as a
+//   heading).
 //   figures / tables: "图2-1" restarts at 1 in each chapter; one-part
 //   numbers run through the document. A skip or repeat "1.3.8" (figures) or
 //   "1.3.10" (tables); a chapter number below the previous one "1.3.6".
+//   Only captions that look like captions count: of a caption style, with a
+//   SEQ field, or "图/表 n" followed by a separator (blank, tab, colon,
+//   period, 、, -) or by a short phrase without a clause ("图3系统结构");
+//   a sentence that cites a figure ("图1中给出了……") is no caption.
+// Numbers are read from the text as the reader sees it: the automatic
+// numbering's label, then the text.
 //   formula indexes "(3-2)" as figures, and references [1], [2] ... in the
 //   order of the list: a skip, repeat or step back "1.3.6".
 // Reference entries (GB/T 7714): no document-type code such as [J], [M],
@@ -47,6 +59,11 @@ class CSectionOrderCheck {
   void CheckReference(const _tParagraph& para);
 
  private:
+  static bool IsPart(const _tSection_Info& info);
+  // A first number above 1 at paragraph nIndex that a body paragraph of
+  // the same numbering style, from nScopeStart on, leads up to.
+  bool RunsOnFromText(size_t nIndex, size_t nScopeStart, const _tSection_Info& info) const;
+  static bool IsCaptionShaped(const _tParagraph& para, const _tSection_Info& info);
   // One numbered series: nChapter 0 for one-part numbers.
   struct _tSeries {
     int nChapter = 0, nLast = 0;

@@ -16,6 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
+// The finding by which a result says its template was not the organisation's.
+const char kDefaultTemplateNoteId[] = "15.9";
+
 // The documents of a folder that a check takes: doc*, wps, htm*, txt (not
 // the "_tuple" texts the engine writes itself).
 bool IsDocument(const fs::path& path) {
@@ -68,6 +71,10 @@ void PrintSummary(const std::string& sFile, const std::string& sResultFile, cons
     s << sLine << line.message << "\n";
   }
   for (const _tChapterLine& chapter : summary.chapters) s << "  chapter " << chapter.text << ": " << chapter.count << "\n";
+  for (const _tSummaryLine& line : summary.lines)
+    if (line.id == kDefaultTemplateNoteId)
+      s << "  note: no template for this organisation; checked against the default "
+           "(import your own: tarvos template import SAMPLE.docx --type N --org ORG)\n";
   s << "  result: " << sResultFile << "\n";
 }
 

@@ -68,7 +68,8 @@ void CDocFormat::FormatStatistic(const _tParagraph& para, _tFormat& format, int 
   if (para.line_space > 0) format.mapLineSpace2Freq[para.line_space] += nFreq;
   if (format.section_format.num_format != -1 || para.text.empty() || !LearnsNumbering(para.level)) return;
   _tSection_Info info;
-  if (ExtractOrder(para.text, para.level == kLevelFormula ? kOrderFormula : kOrderHeading, info) <= 0) return;
+  const tstring sSeen = para.level == kLevelFormula ? para.text : para.NumberedText();
+  if (ExtractOrder(sSeen, para.level == kLevelFormula ? kOrderFormula : kOrderHeading, info) <= 0) return;
   _tSection_Format& learnt = format.section_format;
   learnt.prefix = info.prefix;
   learnt.chapter_format = info.chapter_format;

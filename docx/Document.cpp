@@ -21,6 +21,20 @@ bool NamesReferences(const tstring& sText) {
 
 }  // namespace
 
+// The contents entries: the entries of a contents field or style when the
+// document has such, else every paragraph that holds a page reference;
+// never the entries of a list of figures or tables.
+void CDocument::IndexContents() {
+  bool bMarked = false;
+  for (const _tParagraph& para : m_vecParagraph)
+    if (para.level == kLevelContent && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList)) bMarked = true;
+  for (size_t i = 0; i < m_vecParagraph.size(); ++i) {
+    const _tParagraph& para = m_vecParagraph[i];
+    if (para.level != kLevelContent || (para.kinds & kKindFigureList)) continue;
+    if (!bMarked || (para.kinds & kKindInContents)) m_vecContentStruct.push_back((int)i);
+  }
+}
+
 void CDocument::BuildIndexes() {
   m_mapParaId2Index.clear();
   m_vecFormulaIndex.clear();
@@ -38,7 +52,6 @@ void CDocument::BuildIndexes() {
     place.para_index = (unsigned)i;
     m_mapParaId2Index.emplace(para.id, place);
     if (para.level == kLevelFormula) m_vecFormulaIndex.push_back(nIndex);
-    if (para.level == kLevelContent) m_vecContentStruct.push_back(nIndex);
     if (para.level >= 1 && para.level <= 4) {
       m_vecDocStruct.push_back(nIndex);
       if (nReferenceHeading >= 0 && m_nReferenceEndIndex < 0) m_nReferenceEndIndex = nIndex - 1;
@@ -47,11 +60,12 @@ void CDocument::BuildIndexes() {
         m_vecChapterId.push_back((int)m_vecChapterParaIndex.size());
       }
     }
-    if (nReferenceHeading < 0 && para.level != 0 && para.level != kLevelContent && NamesReferences(para.text)) {
+    if (nReferenceHeading < 0 && para.level != 0 && para.level != kLevelContent && NamesReferences(para.NumberedText())) {
       nReferenceHeading = nIndex;
       m_nReferenceStartIndex = nIndex + 1;
     }
   }
+  IndexContents();
   if (nReferenceHeading >= 0 && m_nReferenceEndIndex < 0) m_nReferenceEndIndex = (int)m_vecParagraph.size() - 1;
   if (m_nReferenceStartIndex > m_nReferenceEndIndex) m_nReferenceStartIndex = m_nReferenceEndIndex = -1;
   // Cell paragraphs come after the list: a list paragraph keeps its place

@@ -10,7 +10,10 @@
 //
 // Indexes, rebuilt by BuildIndexes from the paragraph list:
 //   Headings()         indexes of the heading paragraphs (levels 1 to 4), in order
-//   ContentEntries()   indexes of the table-of-contents entries (level 13)
+//   ContentEntries()   indexes of the table-of-contents entries (level 13):
+//                      those inside a contents field or of a contents style
+//                      when the document has any, else every level-13
+//                      paragraph; never entries of a list of figures
 //   FormulaIndexes()   indexes of the formula paragraphs (level -512)
 //   ReferenceStart(), ReferenceEnd()
 //                      the paragraphs after a heading or caption "参考文献" /
@@ -93,6 +96,8 @@ class CDocument {
   }
 
  private:
+  void IndexContents();
+
   std::unordered_map<uint32_t, _tParaIndex> m_mapParaId2Index;  // paraId -> place, list or table cell
   std::vector<int> m_vecFormulaIndex;
   std::vector<int> m_vecDocStruct;

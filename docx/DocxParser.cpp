@@ -11,6 +11,7 @@
 #include "docx/DocxPackage.h"
 #include "docx/PaperStructure.h"
 #include "utility/ErrorLog.h"
+#include "utility/Utf8.h"
 #include "utility/XmlScan.h"
 
 namespace {
@@ -91,6 +92,7 @@ int CDocxParser::ParseStruct(const CDocxPackage& package, int nDocType, const ch
 }
 
 void CDocxParser::ScanBody(const char* p, const char* pEnd) {
+  m_vecField.clear();  // what a header left open is not the body's
   while ((p = FindIn(p, pEnd, "<w:")) != nullptr) {
     if (p + 5 >= pEnd) break;
     if (p[3] == 'p' && (p[4] == ' ' || p[4] == '>')) {
@@ -189,6 +191,9 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
       sValue[0] >= '0' && sValue[0] <= '3')
     para.level = sValue[0] - '0' + 1;
   if (bTextBox) para.level = kLevelTextBox;
+  NoteStyle(sStyleId, para);
+  NoteField(para);  // a contents field opened in an earlier paragraph
+  NoteSimpleFields(pStart, pEnd, para);
   for (const char* q = pFirstRun ? pFirstRun : pStart; q < pEnd;) {
     const char* pW = FindElement(q, pEnd, "<w:r");
     const char* pM = FindElement(q, pW ? pW : pEnd, "<m:r");
@@ -200,12 +205,97 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
     q = pRunEnd;
   }
   ParagraphPostProcess(para);
+  // An entry of a contents field or style is one even without a page number.
+  if (para.level == 0 && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList)) para.level = kLevelContent;
   if (para.level == kLevelTextBox && (m_pDoc->m_vecParagraph.empty() || m_pDoc->m_vecParagraph.back().level != kLevelTextBox))
     StoreFigure(_tFigure(), para);
 }
 
-// One pass over the tags of a run: texts, tabs, field codes and images in
-// order; its properties (in "<w:rPr>") looked up once.
+namespace {
+
+// The character a reader sees for "<w:sym w:font=.. w:char=..>": symbol
+// fonts keep their glyphs in U+F000..U+F0FF; the common ones of the Symbol
+// font are given as the characters they draw, the others stay as they are.
+tstring SymbolText(const char* pTag, const char* pEnd) {
+  tstring sChar, sFont;
+  if (!FindAttr(pTag, pEnd, "w:char", sChar)) return "";
+  uint32_t nChar = (uint32_t)strtoul(sChar.c_str(), nullptr, 16);
+  if (nChar == 0 || nChar > 0x10FFFF || (nChar >= 0xD800 && nChar <= 0xDFFF)) return "";
+  FindAttr(pTag, pEnd, "w:font", sFont);
+  static const struct { uint32_t code; uint32_t unicode; } kSymbol[] = {
+      {0xB7, 0x2022}, {0xD7, 0x00D7}, {0xB4, 0x00D7}, {0xB8, 0x00F7}, {0xB1, 0x00B1}, {0xA3, 0x2264},
+      {0xB3, 0x2265}, {0xB0, 0x00B0}, {0xAE, 0x2192}, {0xAC, 0x2190}, {0xD6, 0x221A}, {0xA5, 0x221E}};
+  if (strcasecmp(sFont.c_str(), "Symbol") == 0)
+    for (const auto& s : kSymbol)
+      if ((nChar & 0xFF) == s.code && (nChar < 0x100 || (nChar >= 0xF000 && nChar <= 0xF0FF))) nChar = s.unicode;
+  tstring sOut;
+  AppendUtf8(sOut, nChar);
+  return sOut;
+}
+
+// A break a reader sees as a new line: "<w:cr/>", and "<w:br/>" unless it
+// breaks the page or the column.
+bool IsLineBreak(const char* pTag, const char* pEnd) {
+  if (memcmp(pTag, "<w:cr", 5) == 0) return true;
+  const char* pGt = static_cast<const char*>(memchr(pTag, '>', (size_t)(pEnd - pTag)));
+  tstring sType;
+  return !FindAttr(pTag, pGt ? pGt : pEnd, "w:type", sType) || sType == "textWrapping";
+}
+
+// The words of a field instruction: "TOC", "SEQ", "PAGEREF" ...
+tstring FieldName(const tstring& sInstruction) {
+  size_t nStart = sInstruction.find_first_not_of(" \t");
+  if (nStart == tstring::npos) return "";
+  size_t nEnd = sInstruction.find_first_of(" \t\\", nStart);
+  return sInstruction.substr(nStart, nEnd == tstring::npos ? tstring::npos : nEnd - nStart);
+}
+
+// The kind a SEQ field gives its paragraph, by the sequence it counts.
+unsigned SeqKind(const tstring& sInstruction) {
+  tstring sRest = sInstruction.substr(sInstruction.find("SEQ") + 3);
+  size_t nStart = sRest.find_first_not_of(" \t\"");
+  tstring sName = nStart == tstring::npos ? "" : sRest.substr(nStart, sRest.find_first_of(" \t\"\\", nStart) - nStart);
+  if (sName.find("图") != tstring::npos || strncasecmp(sName.c_str(), "fig", 3) == 0) return kKindSeqFigure;
+  if (sName.find("表") != tstring::npos || strncasecmp(sName.c_str(), "tab", 3) == 0) return kKindSeqTable;
+  return kKindSeqOther;
+}
+
+}  // namespace
+
+// What the fields open around a paragraph make of it: a contents entry, an
+// entry of a list of figures, a numbered caption.
+void CDocxParser::NoteField(_tParagraph& para) const {
+  for (const tstring& sInstruction : m_vecField) {
+    const tstring sName = FieldName(sInstruction);
+    if (sName == "TOC")
+      para.kinds |= sInstruction.find("\\c") != tstring::npos ? kKindFigureList : kKindInContents;
+    else if (sName == "SEQ")
+      para.kinds |= SeqKind(sInstruction);
+  }
+}
+
+// Fields written whole in one tag: "<w:fldSimple w:instr=\"SEQ 图\">".
+void CDocxParser::NoteSimpleFields(const char* pStart, const char* pEnd, _tParagraph& para) const {
+  for (const char* q = FindElement(pStart, pEnd, "<w:fldSimple"); q; q = FindElement(q + 1, pEnd, "<w:fldSimple")) {
+    const char* pGt = static_cast<const char*>(memchr(q, '>', (size_t)(pEnd - q)));
+    tstring sInstruction;
+    if (!FindAttr(q, pGt ? pGt : pEnd, "w:instr", sInstruction)) continue;
+    sInstruction = DecodeEntities(sInstruction);
+    const tstring sName = FieldName(sInstruction);
+    if (sName == "SEQ") para.kinds |= SeqKind(sInstruction);
+    if (sName == "TOC") para.kinds |= sInstruction.find("\\c") != tstring::npos ? kKindFigureList : kKindInContents;
+  }
+}
+
+// What a paragraph's style says of it: a contents entry, an entry of a list
+// of figures, a caption.
+void CDocxParser::NoteStyle(const tstring& sStyleId, _tParagraph& para) const {
+  auto it = m_mapStyleKinds.find(sStyleId);
+  if (it != m_mapStyleKinds.end()) para.kinds |= it->second;
+}
+
+// One pass over the tags of a run: texts, tabs, breaks, symbols, fields and
+// images in order; its properties (in "<w:rPr>") looked up once.
 void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph& para, const tstring& sStyleId) {
   const char* pPropsEnd = FindIn(pRun, pRunEnd, "</w:rPr>");
   const char* pHead = pPropsEnd ? pPropsEnd : pRun;
@@ -224,14 +314,7 @@ void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph&
       if (q[4] != ' ' && q[4] != '>') continue;
     } else if (q[1] == 'm' && q[2] == ':' && q[3] == 't' && (q[4] == ' ' || q[4] == '>')) {
     } else {
-      if (!bPageRef && nLeft > 13 && memcmp(q, "<w:instrText", 12) == 0) {
-        const char* pClose = FindIn(q, pRunEnd, "</w:instrText>");
-        bPageRef = FindIn(q, pClose ? pClose : pRunEnd, "PAGEREF") != nullptr;
-      } else if (!bImage && nLeft > 16 && memcmp(q, "<v:imagedata r:i", 16) == 0) {
-        bImage = FindAttr(q, pRunEnd, "r:id", sRelId) || true;
-      } else if (!bImage && nLeft > 15 && memcmp(q, "<a:blip r:embed", 15) == 0) {
-        bImage = FindAttr(q, pRunEnd, "r:embed", sRelId) || true;
-      }
+      ExtractRunMark(q, pRunEnd, para, bPageRef, bImage, sRelId);
       continue;
     }
     const char* pGt = static_cast<const char*>(memchr(q, '>', nLeft));
@@ -248,6 +331,44 @@ void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph&
   }
   if (bImage) AddFigure(para, sRelId);
   ExtractFont(pRun, pHead, para, sStyleId, false);
+}
+
+// A tag of a run other than its texts: what a reader sees of it (a hyphen
+// that does not break, a symbol, a line break; a soft hyphen shows nothing),
+// the fields it opens and closes, and the images it holds.
+void CDocxParser::ExtractRunMark(const char* q, const char* pRunEnd, _tParagraph& para, bool& bPageRef, bool& bImage,
+                                 tstring& sRelId) {
+  const size_t nLeft = (size_t)(pRunEnd - q);
+  auto fnIs = [&](const char* sTag) {
+    const size_t n = strlen(sTag);
+    return nLeft > n && memcmp(q, sTag, n) == 0 && (q[n] == ' ' || q[n] == '/' || q[n] == '>');
+  };
+  if (fnIs("<w:noBreakHyphen")) {
+    para.text.push_back('-');
+  } else if (fnIs("<w:sym")) {
+    para.text += SymbolText(q, pRunEnd);
+  } else if (fnIs("<w:br") || fnIs("<w:cr")) {
+    if (IsLineBreak(q, pRunEnd)) para.text.push_back('\n');
+  } else if (fnIs("<w:fldChar")) {
+    const char* pGt = static_cast<const char*>(memchr(q, '>', nLeft));
+    tstring sType;
+    FindAttr(q, pGt ? pGt : pRunEnd, "w:fldCharType", sType);
+    if (sType == "begin" && m_vecField.size() < kMaxFieldDepth) m_vecField.push_back("");
+    if (sType == "end" && !m_vecField.empty()) m_vecField.pop_back();
+  } else if (fnIs("<w:instrText")) {
+    const char* pGt = static_cast<const char*>(memchr(q, '>', nLeft));
+    const char* pClose = FindIn(q, pRunEnd, "</w:instrText>");
+    if (pGt && pClose && pGt < pClose) {
+      const tstring sInstruction = DecodeEntities(pGt + 1, pClose);
+      if (!m_vecField.empty()) m_vecField.back() += sInstruction;
+      NoteField(para);
+      if (!bPageRef) bPageRef = sInstruction.find("PAGEREF") != tstring::npos;
+    }
+  } else if (!bImage && nLeft > 16 && memcmp(q, "<v:imagedata r:i", 16) == 0) {
+    bImage = FindAttr(q, pRunEnd, "r:id", sRelId) || true;
+  } else if (!bImage && nLeft > 15 && memcmp(q, "<a:blip r:embed", 15) == 0) {
+    bImage = FindAttr(q, pRunEnd, "r:embed", sRelId) || true;
+  }
 }
 
 void CDocxParser::AddFigure(_tParagraph& para, const tstring& sRelId) {
@@ -282,9 +403,11 @@ void CDocxParser::ExtractFont(const char* pStart, const char* pEnd, _tParagraph&
     para.font_size = ToInt(sValue);
   else
     para.font_size = 0;
+  // Font names come from "<w:rFonts>" only: "<w:lang w:eastAsia=\"zh-CN\">"
+  // names a language, not a font.
   for (const char* sAttr : {"w:eastAsia", "w:ascii", "w:hAnsi"}) {
     if (!para.font.empty() && !IsAsciiFont(para.font)) break;
-    if (!FindAttr(pStart, pEnd, sAttr, sValue) || sValue.empty()) continue;
+    if (!FindElementAttr(pStart, pEnd, "w:rFonts", sAttr, sValue) || sValue.empty()) continue;
     if (para.font.empty() || !IsAsciiFont(sValue)) para.font = sValue;
   }
   if (para.font_size == 0) {
@@ -314,7 +437,13 @@ void CDocxParser::FindFigureCaption() {
   if (para.text.empty() || para.level == kLevelFigure || para.level == kLevelTable) return;
   const int nIndex = (int)m_pDoc->m_vecParagraph.size() - 1;
   const _tFigure& last = m_pDoc->m_vecFigure.back();
-  bool bCaption = NearEnds(para.text, "图", 7) || (para.numPtr != 0 && para.level == 0 && last.para_id > para.id);
+  // A numbered caption (a SEQ field counting figures) or one of a caption
+  // style is one too, unless it names a table.
+  const tstring sSeen = para.NumberedText();
+  const bool bNamesTable = sSeen.compare(0, 3, "表") == 0 || strncasecmp(sSeen.c_str(), "Table", 5) == 0;
+  bool bCaption = NearEnds(sSeen, "图", 7) || (para.numPtr != 0 && para.level == 0 && last.para_id > para.id) ||
+                  (para.kinds & kKindSeqFigure) ||
+                  ((para.kinds & kKindCaptionStyle) && !(para.kinds & kKindSeqTable) && !bNamesTable);
   bool bNear = nIndex - last.para_index <= 2 || (nIndex >= 2 && m_pDoc->m_vecParagraph[nIndex - 2].level == kLevelTextBox);
   if (!bCaption || !bNear) return;
   para.level = kLevelFigureCaption;
@@ -368,8 +497,10 @@ void CDocxParser::ExtractTable(const char* pStart, const char* pEnd) {
     m_pDoc->m_vecParagraph.push_back(caption);
   } else if (!m_pDoc->m_vecParagraph.empty()) {
     _tParagraph& before = m_pDoc->m_vecParagraph.back();
+    const tstring sSeen = before.NumberedText();
     if ((before.level == 0 || before.level > 2) &&
-        (NearEnds(before.text, "表", 7) || NearEnds(before.text, "Table", 7))) {
+        (NearEnds(sSeen, "表", 7) || NearEnds(sSeen, "Table", 7) || (before.kinds & kKindSeqTable) ||
+         ((before.kinds & kKindCaptionStyle) && !(before.kinds & kKindSeqFigure)))) {
       before.level = kLevelTableCaption;
       table.caption_index = (int)m_pDoc->m_vecParagraph.size() - 1;
     }
@@ -392,6 +523,7 @@ void CDocxParser::ExtractStyles(const CDocxPackage& package) {
   if (!package.ReadPart("/word/styles.xml", sStyles, "Failed while reading file ")) return;
   const char* pEnd = sStyles.data() + sStyles.size();
   std::map<tstring, _tParagraph> mapAll;  // every paragraph style read so far, for based-on lookups
+  std::map<tstring, _tStyleLink> mapLinks;  // every paragraph style, for what chains of them give
   for (const char* p = FindIn(sStyles.data(), pEnd, "<w:style w:type=\"paragraph\""); p;
        p = FindIn(p + 1, pEnd, "<w:style w:type=\"paragraph\"")) {
     const char* pClose = FindIn(p, pEnd, "</w:style>");
@@ -427,7 +559,46 @@ void CDocxParser::ExtractStyles(const CDocxPackage& package) {
       m_vecStyles.push_back(style);
       m_mapStyleId2Style[sId] = style;
     }
+    _tStyleLink& link = mapLinks[sId];
+    link.based_on = sBased;
+    link.kinds = StyleKinds(sName);
+    if (FindElementAttr(p, pStyleEnd, "w:numId", "w:val", sValue)) link.num_id = ToInt(sValue);
+    if (FindElementAttr(p, pStyleEnd, "w:ilvl", "w:val", sValue)) link.ilvl = ToInt(sValue);
     p = pStyleEnd;
+  }
+  ResolveStyleLinks(mapLinks);
+}
+
+// The kinds of paragraph a style name makes: contents entries ("toc 1"),
+// entries of a list of figures, captions (also the names Chinese templates
+// give their own caption styles).
+unsigned CDocxParser::StyleKinds(const tstring& sName) {
+  if (strncasecmp(sName.c_str(), "toc ", 4) == 0) return kKindInContents;
+  if (strcasecmp(sName.c_str(), "table of figures") == 0) return kKindFigureList;
+  static const char* const kCaptionNames[] = {"图题", "表题", "图名", "表名"};
+  if (strcasecmp(sName.c_str(), "caption") == 0 || sName.find("题注") != tstring::npos) return kKindCaptionStyle;
+  for (const char* szName : kCaptionNames)
+    if (sName == szName) return kKindCaptionStyle;
+  return 0;
+}
+
+// What a style takes from the styles it is based on: its numbering and its
+// kinds, through chains in any order of the file; a chain that loops or runs
+// deeper than the styles there are ends there.
+void CDocxParser::ResolveStyleLinks(const std::map<tstring, _tStyleLink>& mapLinks) {
+  for (const auto& kv : mapLinks) {
+    _tStyleLink resolved = kv.second;
+    const _tStyleLink* pLink = &kv.second;
+    for (size_t nDepth = 0; nDepth < mapLinks.size() && !pLink->based_on.empty(); ++nDepth) {
+      auto it = mapLinks.find(pLink->based_on);
+      if (it == mapLinks.end()) break;
+      pLink = &it->second;
+      resolved.kinds |= pLink->kinds;
+      if (resolved.num_id < 0) resolved.num_id = pLink->num_id;
+      if (resolved.ilvl < 0) resolved.ilvl = pLink->ilvl;
+    }
+    if (resolved.kinds) m_mapStyleKinds[kv.first] = resolved.kinds;
+    if (resolved.num_id > 0) m_mapStyleNumbering[kv.first] = {resolved.num_id, resolved.ilvl};
   }
 }
 

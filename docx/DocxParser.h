@@ -51,6 +51,14 @@ class CDocument;
 class CDocxPackage;
 
 class CDocxParser {
+  // What one style gives and takes through "w:basedOn".
+  struct _tStyleLink {
+    tstring based_on;
+    int num_id = -1;  // -1: not its own
+    int ilvl = -1;
+    unsigned kinds = 0;
+  };
+
  public:
   CDocxParser() = default;
   // Holds the state of one reading; a parser is made for each document.
@@ -72,6 +80,11 @@ class CDocxParser {
   void AddOnePara(_tParagraph& para);
   void ExtractParagrah(const char* pStart, const char* pEnd, _tParagraph& para, uint32_t nParaId, bool bTextBox);
   void ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph& para, const tstring& sStyleId);
+  void ExtractRunMark(const char* pTag, const char* pRunEnd, _tParagraph& para, bool& bPageRef, bool& bImage,
+                      tstring& sRelId);
+  void NoteField(_tParagraph& para) const;
+  void NoteSimpleFields(const char* pStart, const char* pEnd, _tParagraph& para) const;
+  void NoteStyle(const tstring& sStyleId, _tParagraph& para) const;
   void ExtractFont(const char* pStart, const char* pEnd, _tParagraph& para, const tstring& sStyleId, bool bInStyle);
   void AddFigure(_tParagraph& para, const tstring& sRelId);
   // Stores a figure of the paragraph and its placeholder before it.
@@ -79,6 +92,8 @@ class CDocxParser {
   void FindFigureCaption();
   void ExtractTable(const char* pStart, const char* pEnd);
   void ExtractStyles(const CDocxPackage& package);
+  static unsigned StyleKinds(const tstring& sName);
+  void ResolveStyleLinks(const std::map<tstring, _tStyleLink>& mapLinks);
   void ReadResInfo(const CDocxPackage& package);
   void ReadHeaderFooter(const CDocxPackage& package);
   int StyleID2Level(const tstring& sStyleId) const;
@@ -91,6 +106,10 @@ class CDocxParser {
   std::map<tstring, int> m_mapStyleId2Level;      // heading styles: style id -> level 1..3
   std::map<tstring, _tRelationInfo> m_mapId2Res;  // relation id -> target and type
   std::vector<tstring> m_vecTypes;                // relation types, by first appearance
+  std::map<tstring, unsigned> m_mapStyleKinds;    // style id -> EParaKind bits its paragraphs get
+  std::map<tstring, std::pair<int, int>> m_mapStyleNumbering;  // style id -> numId and ilvl (-1 unsaid) it gives
+  std::vector<tstring> m_vecField;                // instructions of the fields open, innermost last
+  static constexpr size_t kMaxFieldDepth = 64;    // deeper "begin"s are not followed
   int m_nFigureCaptionFilled = 1;                 // 0 while a figure waits for its caption
   uint32_t m_nLastParaId = 0xFFFFFFFFu;           // id of the last paragraph stored; all ones before any
 };

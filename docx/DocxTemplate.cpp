@@ -374,6 +374,10 @@ tstring CDocxTemplate::GetTemplate(int nTemplateID) const {
          "\"\r\n}\r\n";
 }
 
+tstring CDocxTemplate::GetOrganization(int nTemplateID) const {
+  return IsLive(nTemplateID) ? tstring(m_pWordList->GetWord(m_pTemplateList[nTemplateID].organization_id)) : tstring();
+}
+
 tstring CDocxTemplate::GetTemplateJson(int nTemplateID) const {
   if (!IsLive(nTemplateID)) return "";
   const _tTemplate& t = m_pTemplateList[nTemplateID];

@@ -92,6 +92,8 @@ class CDocxTemplate {
   // names unescaped, as GetTemplate's values).
   tstring GetTemplateList(int reportType, const char* sOrganization) const;
   size_t GetCount() const { return m_nTemplateCount; }
+  // The organisation a template is filed under; "" for an unknown id.
+  tstring GetOrganization(int nTemplateID) const;
   int Export() const;
   // A stored text; safe from several threads at once.
   const char* GetFileContent(uint64_t nOffset, uint64_t nSize, tstring& sStr) const;

@@ -9,3 +9,10 @@ bool _tTable::GetValue(size_t nRow, size_t nCol, tstring& sValue) const {
   }
   return true;
 }
+
+// A blank between label and text whatever the numbering's own separator
+// (tab, blank or none): the number is read apart from the words after it.
+tstring _tParagraph::NumberedText() const {
+  if (num_label.empty()) return text;
+  return text.empty() ? num_label : num_label + " " + text;
+}

@@ -20,6 +20,17 @@ enum EParaLevel {
   kLevelFormula = -512,
 };
 
+// What the reading saw of a paragraph beside its text (bits of
+// _tParagraph::kinds).
+enum EParaKind : unsigned {
+  kKindInContents = 1u << 0,    // inside a table-of-contents field, or of a contents style ("toc 1")
+  kKindFigureList = 1u << 1,    // inside a list of figures or tables (a contents field with \c, its style)
+  kKindCaptionStyle = 1u << 2,  // of a caption style ("caption", "题注")
+  kKindSeqFigure = 1u << 3,     // holds a SEQ field counting figures (图, Figure)
+  kKindSeqTable = 1u << 4,      // holds a SEQ field counting tables (表, Table)
+  kKindSeqOther = 1u << 5,      // holds another SEQ field (equations, ...)
+};
+
 struct _tParagraph {
   uint32_t id = 0;        // byte offset of the "p" of its "<w:p" in word/document.xml
   tstring font;           // font name of its runs (a Chinese name wins)
@@ -30,6 +41,13 @@ struct _tParagraph {
   int line_space = 0;     // w:line
   int numPtr = 0;         // w:numId
   int page_num = 0;       // page; for headers and footers the number of their file
+  tstring num_label;      // the number its automatic numbering shows ("第1章", "1.1"); the
+                          // text holds only what document.xml holds, so offsets into it stay right
+  unsigned kinds = 0;     // EParaKind bits
+
+  // The text as a reader sees it: the numbering label, then the text.
+  tstring NumberedText() const;
+  bool HasSeqField() const { return (kinds & (kKindSeqFigure | kKindSeqTable | kKindSeqOther)) != 0; }
 
   void reset() { *this = _tParagraph(); }
   bool operator<(const _tParagraph& other) const { return id < other.id; }

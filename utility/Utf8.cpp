@@ -64,3 +64,12 @@ void AppendUtf8(tstring& sOut, uint32_t nChar) {
     sOut.push_back((char)(0x80 | (nChar & 0x3F)));
   }
 }
+
+size_t Utf8Length(const tstring& sText) {
+  size_t nChars = 0;
+  for (size_t i = 0; i < sText.size(); ++nChars) {
+    uint32_t nChar;
+    i += DecodeUtf8(sText.data() + i, sText.size() - i, nChar);
+  }
+  return nChars;
+}

@@ -15,3 +15,6 @@ size_t DecodeUtf8(const char* p, size_t nLength, uint32_t& nChar);
 
 // Appends a character decoded by DecodeUtf8 (an invalid byte as that byte).
 void AppendUtf8(tstring& sOut, uint32_t nChar);
+
+// The number of characters of a text as DecodeUtf8 reads them.
+size_t Utf8Length(const tstring& sText);

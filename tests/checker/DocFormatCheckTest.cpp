@@ -60,13 +60,13 @@ class DocFormatCheckTest : public ::testing::Test {
   void SetUp() override {
     ASSERT_TRUE(WriteDocx(m_dir.Path() + "/sample.docx", Sample()));
     m_pChecker.reset(new CDocFormatCheck(m_dir.Path().c_str(), nullptr));
-    ASSERT_EQ(m_pChecker->ImportTemplate((m_dir.Path() + "/sample.docx").c_str(), 5, "*", "*", "*"), 0);
+    ASSERT_EQ(m_pChecker->ImportTemplate((m_dir.Path() + "/sample.docx").c_str(), 5, "甲大学", "*", "*"), 0);
   }
-  std::vector<Finding> Check(const std::string& sBody, int nReportType, int nWant = 1) {
+  std::vector<Finding> Check(const std::string& sBody, int nReportType, int nWant = 1, const char* szOrg = "甲大学") {
     std::string sFile = m_dir.Path() + "/doc.docx";
     EXPECT_TRUE(WriteDocx(sFile, sBody));
     EXPECT_GE(CDocImporter(nullptr).ParseDocx(m_doc, sFile.c_str(), "", 0), 0);
-    EXPECT_EQ(m_pChecker->Check(m_doc, m_result, nReportType, _tTemplateKeys::ForOrganization("")), nWant);
+    EXPECT_EQ(m_pChecker->Check(m_doc, m_result, nReportType, _tTemplateKeys::ForOrganization(szOrg)), nWant);
     std::vector<Finding> vecFound;
     for (const _tCheckResult& r : m_result.GetFindings()) vecFound.push_back({r.error_id, r.org_str});
     return vecFound;
@@ -105,6 +105,21 @@ TEST_F(DocFormatCheckTest, TheCleanDocumentHasNoFormatFindings) {
                       Para(FontRun("图1-1 结构", "宋体", 21)) + Heading(1, "第二章 方法");
   std::vector<Finding> vecFound = Check(sBody, 5);
   EXPECT_TRUE(vecFound.empty()) << ::testing::PrintToString(vecFound);
+}
+
+// A document of an organisation without its own template is checked against
+// another one, and the result says so.
+TEST_F(DocFormatCheckTest, ANoteSaysWhenTheTemplateIsNotTheOrganisations) {
+  const std::string sBody = Heading(1, "第一章 绪论") + Heading(2, "1.1 背景", "黑体", 28);
+  const struct { const char* szOrg; bool bNote; } kCases[] = {{"甲大学", false}, {"乙大学", true}, {"", true}};
+  for (const auto& c : kCases) {
+    m_result.Reset();
+    std::vector<Finding> vecFound = Check(sBody, 5, 1, c.szOrg);
+    auto it = std::find_if(m_result.GetFindings().begin(), m_result.GetFindings().end(),
+                           [](const _tCheckResult& r) { return r.error_id == "15.9"; });
+    EXPECT_EQ(it != m_result.GetFindings().end(), c.bNote) << c.szOrg;
+    if (it != m_result.GetFindings().end()) EXPECT_EQ(it->new_str, kDefaultTemplateNote);
+  }
 }
 
 TEST_F(DocFormatCheckTest, ReportTypeThreeGetsOrderChecksOnly) {

@@ -200,3 +200,82 @@ TEST_F(DocxParserTest, DocAndWpsAreReadFromTheirDocxTwin) {
 }
 
 }  // namespace
+
+namespace {
+
+// What a reader sees of the marks of a run besides its texts.
+TEST_F(DocxParserTest, RunMarksBecomeWhatAReaderSees) {
+  const struct {
+    const char* szName;
+    std::string sRuns;
+    const char* szText;
+  } kCases[] = {
+      {"no-break hyphen", TextRun("图 2") + "<w:r><w:noBreakHyphen/></w:r>" + TextRun("1 结构"), "图 2-1 结构"},
+      {"soft hyphen shows nothing", TextRun("数据") + "<w:r><w:softHyphen/></w:r>" + TextRun("库"), "数据库"},
+      {"symbol font glyph", TextRun("项目") + "<w:r><w:sym w:font=\"Symbol\" w:char=\"F0B7\"/></w:r>", "项目•"},
+      {"other symbol kept", TextRun("勾") + "<w:r><w:sym w:font=\"Wingdings\" w:char=\"F0FC\"/></w:r>", "勾\xEF\x83\xBC"},
+      {"line break", TextRun("一行") + "<w:r><w:br/></w:r>" + TextRun("二行"), "一行\n二行"},
+      {"page break shows no line", TextRun("一页") + "<w:r><w:br w:type=\"page\"/></w:r>" + TextRun("二页"), "一页二页"},
+      {"field code hidden, result shown",
+       TextRun("图 ") + "<w:r><w:fldChar w:fldCharType=\"begin\"/></w:r><w:r><w:instrText> SEQ 图 \\* ARABIC </w:instrText></w:r>"
+           "<w:r><w:fldChar w:fldCharType=\"separate\"/></w:r>" + TextRun("3") + "<w:r><w:fldChar w:fldCharType=\"end\"/></w:r>",
+       "图 3"},
+  };
+  for (const auto& c : kCases) {
+    Read(Para(c.sRuns));
+    ASSERT_EQ(m_doc.m_vecParagraph.size(), 1u) << c.szName;
+    EXPECT_EQ(m_doc.m_vecParagraph[0].text, c.szText) << c.szName;
+  }
+}
+
+TEST_F(DocxParserTest, FontNamesComeFromRunFontsNotLanguages) {
+  Read(Para(TextRun("Text", "<w:rFonts w:ascii=\"Arial\"/><w:lang w:val=\"en-US\" w:eastAsia=\"zh-CN\"/>")));
+  ASSERT_EQ(m_doc.m_vecParagraph.size(), 1u);
+  EXPECT_EQ(m_doc.m_vecParagraph[0].font, "Arial");
+}
+
+std::string Field(const std::string& sInstruction, const std::string& sResult) {
+  return "<w:r><w:fldChar w:fldCharType=\"begin\"/></w:r><w:r><w:instrText>" + sInstruction +
+         "</w:instrText></w:r><w:r><w:fldChar w:fldCharType=\"separate\"/></w:r>" + TextRun(sResult) +
+         "<w:r><w:fldChar w:fldCharType=\"end\"/></w:r>";
+}
+
+// The contents are the entries of the contents field: not the lists of
+// figures, not a cross reference to a page in the body.
+TEST_F(DocxParserTest, TheContentsAreTheEntriesOfTheContentsField) {
+  const std::string sBegin = "<w:r><w:fldChar w:fldCharType=\"begin\"/></w:r><w:r><w:instrText> TOC \\o \"1-3\" \\h </w:instrText></w:r>"
+                             "<w:r><w:fldChar w:fldCharType=\"separate\"/></w:r>";
+  const std::string sFigureList = "<w:r><w:fldChar w:fldCharType=\"begin\"/></w:r><w:r><w:instrText> TOC \\h \\c \"图\" </w:instrText></w:r>"
+                                  "<w:r><w:fldChar w:fldCharType=\"separate\"/></w:r>";
+  const std::string sEnd = "<w:r><w:fldChar w:fldCharType=\"end\"/></w:r>";
+  const std::string sHeading = "<w:outlineLvl w:val=\"0\"/>";
+  Read(Para(TextRun("目录")) +
+       Para(sBegin + TextRun("第一章 绪论") + Field(" PAGEREF _Toc1 \\h ", "1")) +
+       Para(TextRun("第二章 方法")) +  // an entry without a page number
+       Para(sEnd) +
+       Para(sFigureList + TextRun("图1 结构") + Field(" PAGEREF _Toc9 \\h ", "2") + sEnd) +
+       Para(TextRun("第一章 绪论"), sHeading) +
+       Para(TextRun("详见") + Field(" PAGEREF _Ref3 \\h ", "5")) +
+       Para(TextRun("第二章 方法"), sHeading));
+  EXPECT_EQ(Summary(), "0:目录|13:第一章 绪论 . 1|13:第二章 方法|13:图1 结构 . 2|1:第一章 绪论|13:详见 . 5|1:第二章 方法|");
+  EXPECT_EQ(m_doc.ContentEntries(), (std::vector<int>{1, 2}));
+}
+
+// Captions that a SEQ field numbers or a caption style marks are captions,
+// beside the ones "图" near their ends gives.
+TEST_F(DocxParserTest, NumberedAndStyledParagraphsCaptionTheirFigures) {
+  std::string sStyles =
+      "<w:styles><w:style w:type=\"paragraph\" w:styleId=\"a5\"><w:name w:val=\"caption\"/></w:style>"
+      "<w:style w:type=\"paragraph\" w:styleId=\"mine\"><w:name w:val=\"My Caption\"/><w:basedOn w:val=\"a5\"/></w:style>"
+      "</w:styles>";
+  const std::string sImage = Para("<w:r><w:drawing><a:blip r:embed=\"rId7\"/></w:drawing></w:r>");
+  Read(sImage + Para(TextRun("Figure ") + Field(" SEQ Figure \\* ARABIC ", "1") + TextRun(": a structure")) +
+           sImage + Para(TextRun("Overview of the parts"), "<w:pStyle w:val=\"mine\"/>") +
+           sImage + Para(TextRun("An unrelated sentence.")),
+       {{"word/styles.xml", sStyles}});
+  EXPECT_EQ(Summary(), "-200:|-201:Figure 1: a structure|-200:|-201:Overview of the parts|-200:|0:An unrelated sentence.|");
+  EXPECT_TRUE(m_doc.m_vecParagraph[1].kinds & kKindSeqFigure);
+  EXPECT_TRUE(m_doc.m_vecParagraph[3].kinds & kKindCaptionStyle) << "the style takes its base's kind";
+}
+
+}  // namespace

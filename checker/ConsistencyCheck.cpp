@@ -1,0 +1,145 @@
+#include "checker/ConsistencyCheck.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <vector>
+
+#include "checker/CheckResult.h"
+#include "docx/Document.h"
+#include "utility/Num2FontSize.h"
+#include "utility/Utf8.h"
+#include "utility/lexical/CharClass.h"
+
+namespace {
+
+// The main text: from the first heading after the table of contents (or the
+// first heading, without one) up to the reference list. Covers, forms and
+// declarations before it, and the references after, have formats of their own.
+std::pair<size_t, size_t> MainText(const CDocument& doc) {
+  const std::vector<int>& vecEntries = doc.ContentEntries();
+  const size_t nAfterContents = vecEntries.empty() ? 0 : (size_t)vecEntries.back() + 1;
+  size_t nStart = doc.m_vecParagraph.size();
+  for (int nIndex : doc.Headings())
+    if ((size_t)nIndex >= nAfterContents) {
+      nStart = (size_t)nIndex;
+      break;
+    }
+  const size_t nEnd = doc.ReferenceStart() > 0 ? (size_t)doc.ReferenceStart() - 1 : doc.m_vecParagraph.size();
+  return {nStart, std::max(nStart, nEnd)};
+}
+
+// A line of a form ("学号：____", "□ 同意") rather than running text.
+bool IsFormLine(const tstring& sText) {
+  return sText.find("__") != tstring::npos || sText.find("□") != tstring::npos || sText.find("  ") != tstring::npos;
+}
+
+// Running Chinese text: at least a third of its characters are Chinese.
+// Code, formulas and quotations in Latin script have formats of their own.
+bool IsChineseProse(const tstring& sText) {
+  size_t nHan = 0, nAll = 0;
+  for (size_t i = 0, n = 0; i < sText.size(); i += n, ++nAll) {
+    uint32_t nChar;
+    n = DecodeUtf8(sText.data() + i, sText.size() - i, nChar);
+    if (ClassifyChar(nChar) == kCharHan) ++nHan;
+  }
+  return nHan * 3 >= nAll;
+}
+
+// The kind a paragraph is compared within; -1 for none.
+int KindOf(const _tParagraph& para) {
+  if (para.level >= 1 && para.level <= 4) return para.level;
+  if (para.level == kLevelFigureCaption || para.level == kLevelTableCaption) return para.level;
+  if (para.level == kLevelBody && Utf8Length(para.text) >= CConsistencyCheck::kMinBodyCharacters &&
+      !IsFormLine(para.text) && IsChineseProse(para.text))
+    return kLevelBody;
+  return -1;
+}
+
+bool IsLatinName(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }
+
+// One property of the paragraphs of one kind: its values, each with the
+// paragraphs that have it.
+struct _tPropertyGroup {
+  std::map<tstring, std::vector<const _tParagraph*>> mapValue2Paras;
+  size_t nCount = 0;
+
+  void Add(const tstring& sValue, const _tParagraph& para) {
+    mapValue2Paras[sValue].push_back(&para);
+    ++nCount;
+  }
+  // The value most paragraphs have when it is a clear majority; null otherwise.
+  const tstring* Majority() const {
+    if (nCount < CConsistencyCheck::kMinGroup) return nullptr;
+    const tstring* pBest = nullptr;
+    size_t nBest = 0;
+    for (const auto& kv : mapValue2Paras)
+      if (kv.second.size() > nBest) {
+        pBest = &kv.first;
+        nBest = kv.second.size();
+      }
+    return nBest * 100 >= nCount * (size_t)CConsistencyCheck::kMajorityPercent ? pBest : nullptr;
+  }
+};
+
+struct _tProperty {
+  const char* szErrorId;
+  int nField;
+  // The value a paragraph sets, in the group key it is compared within; ""
+  // when it sets none.
+  std::function<tstring(const _tParagraph&, tstring&)> fnValue;
+  std::function<tstring(const tstring&)> fnShow;  // the value as a finding names it
+};
+
+}  // namespace
+
+int CConsistencyCheck::Check(const CDocument& doc, CCheckResult& result) const {
+  static const CNum2FontSize s_points;  // no table: sizes in points
+  const CNum2FontSize& sizes = m_pSizeNames ? *m_pSizeNames : s_points;
+  const _tProperty kProperties[] = {
+      {"15.1", 0,
+       [](const _tParagraph& p, tstring& sGroup) {
+         sGroup = IsLatinName(p.font) ? "latin" : "cjk";
+         return p.font;
+       },
+       [](const tstring& s) { return s; }},
+      {"15.2", 1, [](const _tParagraph& p, tstring&) { return p.font_size > 0 ? std::to_string(p.font_size) : ""; },
+       [&sizes](const tstring& s) { return sizes.GetName(atoi(s.c_str())); }},
+      {"15.3", 4, [](const _tParagraph& p, tstring&) { return p.line_space > 0 ? std::to_string(p.line_space) : ""; },
+       [](const tstring& s) { return std::to_string(atoi(s.c_str()) / 20); }},
+  };
+  int nAdded = 0;
+  const std::pair<size_t, size_t> main = MainText(doc);
+  const size_t nMainStart = main.first, nMainEnd = main.second;
+  for (const _tProperty& property : kProperties) {
+    std::map<std::pair<int, tstring>, _tPropertyGroup> mapGroups;  // (kind, script class) -> values
+    for (size_t i = nMainStart; i < nMainEnd; ++i) {
+      const _tParagraph& para = doc.m_vecParagraph[i];
+      const int nKind = KindOf(para);
+      tstring sGroup;
+      const tstring sValue = nKind == -1 || para.text.empty() ? tstring() : property.fnValue(para, sGroup);
+      if (!sValue.empty()) mapGroups[{nKind, sGroup}].Add(sValue, para);
+    }
+    for (const auto& group : mapGroups) {
+      const tstring* pMajority = group.second.Majority();
+      if (pMajority == nullptr) continue;
+      for (const auto& kv : group.second.mapValue2Paras) {
+        if (kv.first == *pMajority) continue;
+        for (const _tParagraph* pPara : kv.second) {
+          _tCheckResult finding;
+          finding.para_id = pPara->id;
+          finding.page_num = pPara->page_num;
+          finding.text = pPara->text;
+          finding.error_id = property.szErrorId;
+          finding.field_id = property.nField;
+          finding.revise_type = 1;
+          finding.org_str = property.fnShow(kv.first);
+          finding.new_str = property.fnShow(*pMajority);
+          result.AddResult(finding);
+          ++nAdded;
+        }
+      }
+    }
+  }
+  return nAdded;
+}

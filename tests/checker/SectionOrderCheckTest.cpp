@@ -1,0 +1,76 @@
+// The order rules on documents built here: numbers read with their
+// automatic labels, captions that are captions, headings that run on from
+// body text, chapters that restart under parts.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "checker/CheckResult.h"
+#include "checker/FormatCheckRun.h"
+#include "docx/Document.h"
+
+namespace {
+
+struct _tLine {
+  int level;
+  const char* szText;
+  const char* szLabel;
+};
+
+// The findings of the order rules as "id:found" in document order.
+std::vector<std::string> OrderFindings(const std::vector<_tLine>& vecLines) {
+  CDocument doc;
+  uint32_t nId = 100;
+  for (const _tLine& line : vecLines) {
+    _tParagraph para;
+    para.id = nId += 10;
+    para.level = line.level;
+    para.text = line.szText;
+    para.num_label = line.szLabel;
+    doc.m_vecParagraph.push_back(para);
+  }
+  doc.BuildIndexes();
+  CCheckResult result;
+  CFormatCheckRun(doc, result, 5).Run();
+  result.SortResult();
+  std::vector<std::string> vecFound;
+  for (const _tCheckResult& r : result.GetFindings()) vecFound.push_back(r.error_id + ":" + r.org_str);
+  return vecFound;
+}
+
+TEST(SectionOrderCheckTest, NumbersAreReadAsTheReaderSeesThem) {
+  const struct {
+    const char* szName;
+    std::vector<_tLine> vecLines;
+    std::vector<std::string> vecWant;
+  } kCases[] = {
+      {"automatic labels are read",
+       {{1, "绪论", "第1章"}, {2, "背景", "1.1"}, {2, "方法", "1.3"}, {1, "结论", "第2章"}},
+       {"1.3.1:1.3"}},
+      {"a sentence citing a figure is no caption",
+       {{kLevelFigureCaption, "图1 结构", ""}, {kLevelFigureCaption, "图3中给出了一个例子，说明方法的步骤", ""},
+        {kLevelFigureCaption, "图2 流程", ""}},
+       {}},
+      {"a caption glued to its number is one",
+       {{kLevelFigureCaption, "图1结构", ""}, {kLevelFigureCaption, "图3流程", ""}},
+       {"1.3.8:图3"}},
+      {"a labelled caption", {{kLevelTableCaption, "参数", "表1"}, {kLevelTableCaption, "结果", "表1"}}, {"1.3.10:表1"}},
+      {"a heading runs on from body text numbered alike",
+       {{0, "六、经营计划", ""}, {2, "七、风险控制", ""}, {2, "八、附录", ""}},
+       {}},
+      {"body text numbered otherwise does not lead up",
+       {{0, "6. 经营计划", ""}, {2, "七、风险控制", ""}},
+       {"1.3.1:七、"}},
+      {"chapters restart under each part",
+       {{1, "第一部分 协议书", ""}, {1, "一、总则", ""}, {1, "二、范围", ""}, {1, "第二部分 通用条款", ""},
+        {1, "一、定义", ""}},
+       {}},
+      {"parts have a series of their own",
+       {{1, "第一部分 协议书", ""}, {1, "一、总则", ""}, {1, "第三部分 专用条款", ""}, {1, "一、定义", ""}},
+       {"1.3.14:第三部分"}},
+  };
+  for (const auto& c : kCases) EXPECT_EQ(OrderFindings(c.vecLines), c.vecWant) << c.szName;
+}
+
+}  // namespace
