@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <map>
 #include <strings.h>
 
 #include "checker/CheckResult.h"
@@ -93,11 +94,14 @@ bool CSectionOrderCheck::IsPart(const _tSection_Info& info) {
 }
 
 void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {
-  int nWantPart = 1, nWant = nFirst;
+  // The number each series expects next: chapters "第1章" and appendices
+  // "附录A" count apart, by the words around their numbers.
+  std::map<tstring, int> mapWant;
   for (_tSection_Info& part : vecParts) {
     if (part.order <= 0 || part.error_id == "1.3.7") continue;
     const bool bPart = IsPart(part);
-    int& nExpected = bPart ? nWantPart : nWant;
+    const tstring sSeries = bPart ? "part" : part.prefix + "|" + part.post;
+    int& nExpected = mapWant.emplace(sSeries, bPart ? 1 : nFirst).first->second;
     const _tParagraph* pPara = ParagraphWithId(part.para_id);
     if (part.order > nExpected) {
       part.error_id = "1.3.14";
@@ -112,7 +116,9 @@ void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, i
     } else {
       ++nExpected;
     }
-    if (bPart) nWant = nFirst;
+    if (bPart)  // the chapters under a new part count from the start again
+      for (auto& kv : mapWant)
+        if (kv.first != "part") kv.second = nFirst;
   }
 }
 
@@ -197,6 +203,12 @@ bool CSectionOrderCheck::RunsOnFromText(size_t nIndex, size_t nScopeStart, const
 
 bool CSectionOrderCheck::IsCaptionShaped(const _tParagraph& para, const _tSection_Info& info) {
   if (para.HasSeqField() || (para.kinds & kKindCaptionStyle)) return true;
+  // The number of a caption follows the word for what it captions.
+  static const char* const kCaptionWords[] = {"图", "表", "附图", "附表", "Figure", "Fig", "Table"};
+  bool bCaptionWord = false;
+  for (const char* szWord : kCaptionWords)
+    if (strncasecmp(info.prefix.c_str(), szWord, strlen(szWord)) == 0) bCaptionWord = true;
+  if (!bCaptionWord) return false;
   const tstring sSeen = para.NumberedText();
   const size_t nNumber = sSeen.find(info.text);
   if (nNumber == tstring::npos) return false;

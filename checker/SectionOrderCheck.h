@@ -7,8 +7,9 @@
 // number found, new_str the number expected, both as the text shows them):
 //   parts (chapters) 1, 2, 3 ...  a skipped number            "1.3.14"
 //                                 a number not above the last "1.3.15"
-//   (chapters restart under each part "第一部分", "第二篇", "Part 2", which
-//   run in a series of their own)
+//   (numbers with other words around them count apart: chapters "第1章",
+//   appendices "附录A"; chapters restart under each part "第一部分",
+//   "第二篇", "Part 2", which run in a series of their own)
 //   sections within a chapter, per heading level, restarting under each
 //   higher heading:               a skipped number            "1.3.1"
 //                                 the previous number again   "1.3.3"
@@ -23,9 +24,10 @@
 //   numbers run through the document. A skip or repeat "1.3.8" (figures) or
 //   "1.3.10" (tables); a chapter number below the previous one "1.3.6".
 //   Only captions that look like captions count: of a caption style, with a
-//   SEQ field, or "图/表 n" followed by a separator (blank, tab, colon,
-//   period, 、, -) or by a short phrase without a clause ("图3系统结构");
-//   a sentence that cites a figure ("图1中给出了……") is no caption.
+//   SEQ field, or "图/表/Figure/Table n" followed by a separator (blank,
+//   tab, colon, period, 、, -) or by a short phrase without a clause
+//   ("图3系统结构"); a sentence that cites a figure ("图1中给出了……") or a
+//   heading that names figures ("2.7 插入图片") is no caption.
 // Numbers are read from the text as the reader sees it: the automatic
 // numbering's label, then the text.
 //   formula indexes "(3-2)" as figures, and references [1], [2] ... in the

@@ -9,6 +9,7 @@
 
 #include "docx/Document.h"
 #include "docx/DocxPackage.h"
+#include "docx/NumberingCounter.h"
 #include "docx/PaperStructure.h"
 #include "utility/ErrorLog.h"
 #include "utility/Utf8.h"
@@ -59,6 +60,9 @@ const char* ElementEnd(const char* pTag, const char* pEnd, const char* sOpen, co
 
 }  // namespace
 
+CDocxParser::CDocxParser() = default;
+CDocxParser::~CDocxParser() = default;
+
 int CDocxParser::ParseStruct(const CDocxPackage& package, int nDocType, const char* sURLPrefix, bool bHtmlNeeded,
                              CDocument& doc) {
   m_pDoc = &doc;
@@ -74,6 +78,7 @@ int CDocxParser::ParseStruct(const CDocxPackage& package, int nDocType, const ch
     ExtractStyles(package);
     ReadHeaderFooter(package);
   }
+  ReadNumbering(package);  // after the headers: their lists are not the body's
   if (!package.ReadPart("word/document.xml", m_sDocument, "Failed Read File ")) {
     SetLastError("Failed Read File " + package.GetPath() + "/word/document.xml");
     return -1;
@@ -183,6 +188,8 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
   // Paragraph properties precede the first run: look them up there only.
   const char* pFirstRun = FindElement(pStart, pEnd, "<w:r");
   const char* pHead = pFirstRun ? pFirstRun : pEnd;
+  // A tracked change keeps the former properties after the present ones.
+  if (const char* pChange = FindIn(pStart, pHead, "<w:pPrChange")) pHead = pChange;
   tstring sValue, sStyleId;
   if (FindAttr(pStart, pHead, "w:line", sValue)) para.line_space = ToInt(sValue);
   if (FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue)) para.numPtr = ToInt(sValue);
@@ -191,6 +198,7 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
       sValue[0] >= '0' && sValue[0] <= '3')
     para.level = sValue[0] - '0' + 1;
   if (bTextBox) para.level = kLevelTextBox;
+  para.num_label = NumberLabel(pStart, pHead, sStyleId);
   NoteStyle(sStyleId, para);
   NoteField(para);  // a contents field opened in an earlier paragraph
   NoteSimpleFields(pStart, pEnd, para);
@@ -272,6 +280,34 @@ void CDocxParser::NoteField(_tParagraph& para) const {
     else if (sName == "SEQ")
       para.kinds |= SeqKind(sInstruction);
   }
+}
+
+void CDocxParser::ReadNumbering(const CDocxPackage& package) {
+  m_pCounter.reset();
+  tstring sXml;
+  if (!package.ReadPart("word/numbering.xml", sXml)) return;
+  std::map<tstring, int> mapStyleNum;
+  for (const auto& kv : m_mapStyleNumbering) mapStyleNum[kv.first] = kv.second.first;
+  if (!m_numbering.Load(sXml.data(), sXml.data() + sXml.size(), mapStyleNum)) return;
+  m_pCounter.reset(new CNumberingCounter(m_numbering));
+}
+
+// The label a paragraph's automatic numbering shows, counted in document
+// order. The numbering is the paragraph's own "<w:numPr>" (numId 0 takes
+// the style's away), else its style's; the level is the paragraph's ilvl,
+// else the level the numbering links to the style, else the style's ilvl,
+// else 0.
+tstring CDocxParser::NumberLabel(const char* pStart, const char* pHead, const tstring& sStyleId) {
+  if (!m_pCounter) return "";
+  tstring sValue;
+  int nNumId = FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue) ? ToInt(sValue) : -1;
+  int nIlvl = FindElementAttr(pStart, pHead, "w:ilvl", "w:val", sValue) ? ToInt(sValue) : -1;
+  auto it = m_mapStyleNumbering.find(sStyleId);
+  if (nNumId < 0 && it != m_mapStyleNumbering.end()) nNumId = it->second.first;
+  if (nNumId <= 0) return "";
+  if (nIlvl < 0) nIlvl = m_numbering.LevelOfStyle(nNumId, sStyleId);
+  if (nIlvl < 0 && it != m_mapStyleNumbering.end()) nIlvl = it->second.second;
+  return m_pCounter->Next(nNumId, std::max(nIlvl, 0));
 }
 
 // Fields written whole in one tag: "<w:fldSimple w:instr=\"SEQ 图\">".

@@ -41,14 +41,21 @@
 //   to 3 make heading styles.
 //   Headers and footers: "word/header1.xml", 2, ... until one is missing,
 //   then the footers; the first paragraph of each, ids from its own start.
+//   Automatic numbering (word/numbering.xml, CNumbering): each body or cell
+//   paragraph numbered directly or through its style (style chains
+//   followed) gets the label its list shows at that point of the document
+//   (num_label); empty paragraphs count too, as they show their numbers.
 #include <map>
+#include <memory>
 #include <vector>
 
+#include "docx/Numbering.h"
 #include "docx/Paragraph.h"
 #include "utility/TString.h"
 
 class CDocument;
 class CDocxPackage;
+class CNumberingCounter;
 
 class CDocxParser {
   // What one style gives and takes through "w:basedOn".
@@ -60,7 +67,8 @@ class CDocxParser {
   };
 
  public:
-  CDocxParser() = default;
+  CDocxParser();
+  ~CDocxParser();
   // Holds the state of one reading; a parser is made for each document.
   CDocxParser(const CDocxParser&) = delete;
   CDocxParser& operator=(const CDocxParser&) = delete;
@@ -92,6 +100,8 @@ class CDocxParser {
   void FindFigureCaption();
   void ExtractTable(const char* pStart, const char* pEnd);
   void ExtractStyles(const CDocxPackage& package);
+  void ReadNumbering(const CDocxPackage& package);
+  tstring NumberLabel(const char* pStart, const char* pHead, const tstring& sStyleId);
   static unsigned StyleKinds(const tstring& sName);
   void ResolveStyleLinks(const std::map<tstring, _tStyleLink>& mapLinks);
   void ReadResInfo(const CDocxPackage& package);
@@ -110,6 +120,8 @@ class CDocxParser {
   std::map<tstring, std::pair<int, int>> m_mapStyleNumbering;  // style id -> numId and ilvl (-1 unsaid) it gives
   std::vector<tstring> m_vecField;                // instructions of the fields open, innermost last
   static constexpr size_t kMaxFieldDepth = 64;    // deeper "begin"s are not followed
+  CNumbering m_numbering;                         // word/numbering.xml
+  std::unique_ptr<CNumberingCounter> m_pCounter;  // its counters in document order; null without numbering
   int m_nFigureCaptionFilled = 1;                 // 0 while a figure waits for its caption
   uint32_t m_nLastParaId = 0xFFFFFFFFu;           // id of the last paragraph stored; all ones before any
 };

@@ -5,8 +5,7 @@
 #include <cstring>
 #include <set>
 
-#include "docx/XmlScan.h"
-#include "utility/Utf8.h"
+#include "utility/XmlScan.h"
 
 namespace {
 
@@ -61,7 +60,7 @@ const char* ElementEnd(const char* pTag, const char* pEnd, const char* sName) {
 
 // Calls fn(pStart, pElementEnd) for each element sName in [p, pEnd).
 template <class F>
-void ForEachElement(const char* p, const char* pEnd, const char* sName, F&& fn) {
+void ForEachTag(const char* p, const char* pEnd, const char* sName, F&& fn) {
   tstring sTag = tstring("<") + sName;
   for (const char* q = FindElement(p, pEnd, sTag.c_str(), true); q;) {
     const char* pElementEnd = ElementEnd(q, pEnd, sName);
@@ -70,39 +69,6 @@ void ForEachElement(const char* p, const char* pEnd, const char* sName, F&& fn) 
   }
 }
 
-// Level texts may hold the five XML entities and character references ("&quot;%1&quot;").
-tstring DecodeEntities(const tstring& sText) {
-  static const struct { const char* name; char c; } kEntities[] = {
-      {"lt", '<'}, {"gt", '>'}, {"amp", '&'}, {"quot", '"'}, {"apos", '\''}};
-  tstring sOut;
-  for (size_t i = 0; i < sText.size(); ++i) {
-    size_t nSemi = sText[i] == '&' ? sText.find(';', i) : tstring::npos;
-    if (nSemi == tstring::npos || nSemi - i > 10) {
-      sOut += sText[i];
-      continue;
-    }
-    tstring sName = sText.substr(i + 1, nSemi - i - 1);
-    bool bDone = false;
-    for (const auto& e : kEntities)
-      if (sName == e.name) {
-        sOut += e.c;
-        bDone = true;
-      }
-    if (!bDone && sName.size() > 1 && sName[0] == '#') {
-      bool bHex = sName[1] == 'x' || sName[1] == 'X';
-      long nChar = strtol(sName.c_str() + (bHex ? 2 : 1), nullptr, bHex ? 16 : 10);
-      if (nChar > 0 && nChar <= 0x10FFFF) {
-        AppendUtf8(sOut, (uint32_t)nChar);
-        bDone = true;
-      }
-    }
-    if (bDone)
-      i = nSemi;
-    else
-      sOut += sText[i];
-  }
-  return sOut;
-}
 
 }  // namespace
 
@@ -111,8 +77,8 @@ bool CNumbering::Load(const char* pXml, const char* pEnd, const std::map<tstring
   m_mapNum.clear();
   m_vecLevels.clear();
   if (pXml == nullptr || pEnd <= pXml) return false;
-  ForEachElement(pXml, pEnd, "w:abstractNum", [this](const char* p, const char* e) { ReadAbstract(p, e); });
-  ForEachElement(pXml, pEnd, "w:num", [this](const char* p, const char* e) { ReadNum(p, e); });
+  ForEachTag(pXml, pEnd, "w:abstractNum", [this](const char* p, const char* e) { ReadAbstract(p, e); });
+  ForEachTag(pXml, pEnd, "w:num", [this](const char* p, const char* e) { ReadNum(p, e); });
   ResolveLinks(mapStyleNum);
   return !Empty();
 }
@@ -124,7 +90,7 @@ void CNumbering::ReadAbstract(const char* p, const char* pEnd) {
   std::fill(std::begin(abstract.levels), std::end(abstract.levels), -1);
   FindElementAttr(p, pEnd, "w:numStyleLink", "w:val", abstract.num_style_link);
   FindElementAttr(p, pEnd, "w:styleLink", "w:val", abstract.style_link);
-  ForEachElement(p, pEnd, "w:lvl", [&](const char* q, const char* e) {
+  ForEachTag(p, pEnd, "w:lvl", [&](const char* q, const char* e) {
     int nIlvl = -1;
     if (!OwnInt(q, e, "w:lvl", "w:ilvl", nIlvl) || nIlvl < 0 || nIlvl >= kNumLevels) return;
     if (abstract.levels[nIlvl] < 0) abstract.levels[nIlvl] = AddLevel(q, e);
@@ -138,7 +104,7 @@ void CNumbering::ReadNum(const char* p, const char* pEnd) {
   std::fill(std::begin(num.levels), std::end(num.levels), -1);
   std::fill(std::begin(num.start_override), std::end(num.start_override), -1);
   if (!ChildInt(p, pEnd, "w:abstractNumId", num.abstract_id) || num.abstract_id < 0) num.abstract_id = -1;
-  ForEachElement(p, pEnd, "w:lvlOverride", [&](const char* q, const char* e) {
+  ForEachTag(p, pEnd, "w:lvlOverride", [&](const char* q, const char* e) {
     int nIlvl = -1;
     if (!OwnInt(q, e, "w:lvlOverride", "w:ilvl", nIlvl) || nIlvl < 0 || nIlvl >= kNumLevels) return;
     int nStart = 0;

@@ -118,10 +118,16 @@ tstring FormatListNumber(int nValue, const tstring& sFmt) {
 
 CNumberingCounter::CNumberingCounter(const CNumbering& numbering) : m_numbering(numbering) {}
 
+std::pair<int, int> CNumberingCounter::ListKey(int nNumId) const {
+  for (int nLevel = 0; nLevel < kNumLevels; ++nLevel)
+    if (m_numbering.HasStartOverride(nNumId, nLevel)) return {m_numbering.AbstractOf(nNumId), nNumId};
+  return {m_numbering.AbstractOf(nNumId), 0};
+}
+
 tstring CNumberingCounter::Next(int nNumId, int nIlvl) {
   const _tNumLevel* pLevel = m_numbering.Level(nNumId, nIlvl);
   if (pLevel == nullptr) return "";
-  _tList& list = m_mapLists[m_numbering.AbstractOf(nNumId)];
+  _tList& list = m_mapLists[ListKey(nNumId)];
   if (m_setNumsMet.insert(nNumId).second) {
     for (int nLevel = 0; nLevel < kNumLevels; ++nLevel)
       if (m_numbering.HasStartOverride(nNumId, nLevel)) {

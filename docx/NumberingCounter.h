@@ -5,6 +5,10 @@
 // Counting, paragraph after paragraph:
 //   - Counters belong to the abstract numbering: paragraphs of two nums over
 //     the same abstract numbering continue one list.
+//   - A num that gives a level a startOverride is a list of its own (what a
+//     word processor's "restart numbering" makes): it starts at its
+//     overrides, and neither moves nor follows the counters of the other
+//     nums over its abstract numbering.
 //   - The first time a num is met, each level it gives a startOverride
 //     restarts (at the override), and the levels below it restart as if that
 //     level had been counted.
@@ -19,6 +23,7 @@
 // value; a level the num does not define shows nothing. A bullet level's
 // label is "" (its glyph is no number), and so is an unknown num's.
 #include <map>
+#include <utility>
 #include <set>
 
 #include "docx/Numbering.h"
@@ -59,9 +64,12 @@ class CNumberingCounter {
   void Count(int nNumId, int nIlvl, _tList& list) const;
   void RestartBelow(int nNumId, int nIlvl, _tList& list) const;
   tstring Label(int nNumId, int nIlvl, const _tList& list) const;
+  // The counters a num moves: (abstract numbering, 0), or (abstract
+  // numbering, numId) for a num with a startOverride.
+  std::pair<int, int> ListKey(int nNumId) const;
   int Value(int nNumId, int nIlvl, const _tList& list) const;
 
   const CNumbering& m_numbering;
-  std::map<int, _tList> m_mapLists;  // by abstract numbering
+  std::map<std::pair<int, int>, _tList> m_mapLists;  // by ListKey
   std::set<int> m_setNumsMet;
 };

@@ -160,7 +160,7 @@ tstring CStructureWriter::ParaJson(const _tParagraph& para, const _tParagraph* p
          ", \"font\": " + Quote(para.font) + ", \"fontSize\": " + std::to_string(para.font_size) +
          ", \"line_space\": " + std::to_string(para.line_space) + ", \"numPtr\": " + std::to_string(para.numPtr) +
          ", \"level\": " + std::to_string(para.level) + ", \"text\": " + Quote(sText) +
-         ", \"segment_text\": " + Quote(sSegment) + "}";
+         ", \"segment_text\": " + Quote(sSegment) + ", \"numLabel\": " + Quote(para.num_label) + "}";
 }
 
 tstring CStructureWriter::Json(bool bTableFigureIncluded) const {

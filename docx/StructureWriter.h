@@ -2,7 +2,9 @@
 // CStructureWriter renders the document model as the structure text: XML
 // with CR LF line ends (each element on a line of its own, except that
 // "<Footers>" follows "</Headers>" on the same line break and opens its
-// line with the first footer), or JSON with its keys in a fixed order.
+// line with the first footer), or JSON with its keys in a fixed order; a
+// JSON paragraph ends with "numLabel", the number its automatic numbering
+// shows ("" when none), which the XML form does not hold.
 //
 // In the XML texts only "<" and ">" are escaped; an ampersand is written as
 // it is. The XML is therefore not well-formed when a text holds "&", and a
