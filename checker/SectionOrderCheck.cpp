@@ -94,13 +94,14 @@ bool CSectionOrderCheck::IsPart(const _tSection_Info& info) {
 }
 
 void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, int /*nPartType*/, int nFirst) {
-  // The number each series expects next: chapters "第1章" and appendices
-  // "附录A" count apart, by the words around their numbers.
+  // The number each series expects next: chapters (in whatever style),
+  // appendices "附录A" and parts count apart.
   std::map<tstring, int> mapWant;
   for (_tSection_Info& part : vecParts) {
     if (part.order <= 0 || part.error_id == "1.3.7") continue;
     const bool bPart = IsPart(part);
-    const tstring sSeries = bPart ? "part" : part.prefix + "|" + part.post;
+    const bool bAppendix = part.prefix.compare(0, 6, "附录") == 0 || strncasecmp(part.prefix.c_str(), "appendix", 8) == 0;
+    const tstring sSeries = bPart ? "part" : bAppendix ? "appendix" : "chapter";
     int& nExpected = mapWant.emplace(sSeries, bPart ? 1 : nFirst).first->second;
     const _tParagraph* pPara = ParagraphWithId(part.para_id);
     if (part.order > nExpected) {

@@ -7,9 +7,9 @@
 // number found, new_str the number expected, both as the text shows them):
 //   parts (chapters) 1, 2, 3 ...  a skipped number            "1.3.14"
 //                                 a number not above the last "1.3.15"
-//   (numbers with other words around them count apart: chapters "第1章",
-//   appendices "附录A"; chapters restart under each part "第一部分",
-//   "第二篇", "Part 2", which run in a series of their own)
+//   (appendices "附录A" count apart from chapters, whatever style these
+//   are numbered in; chapters restart under each part "第一部分", "第二篇",
+//   "Part 2", which run in a series of their own)
 //   sections within a chapter, per heading level, restarting under each
 //   higher heading:               a skipped number            "1.3.1"
 //                                 the previous number again   "1.3.3"
