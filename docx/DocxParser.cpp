@@ -198,7 +198,6 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
       sValue[0] >= '0' && sValue[0] <= '3')
     para.level = sValue[0] - '0' + 1;
   if (bTextBox) para.level = kLevelTextBox;
-  para.num_label = NumberLabel(pStart, pHead, sStyleId);
   NoteStyle(sStyleId, para);
   NoteField(para);  // a contents field opened in an earlier paragraph
   NoteSimpleFields(pStart, pEnd, para);
@@ -213,6 +212,10 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
     q = pRunEnd;
   }
   ParagraphPostProcess(para);
+  // The empty paragraph that closes a section shows no number: a word
+  // processor leaves it out of the count.
+  if (!para.text.empty() || FindIn(pStart, pHead, "<w:sectPr") == nullptr)
+    para.num_label = NumberLabel(pStart, pHead, sStyleId);
   // An entry of a contents field or style is one even without a page number.
   if (para.level == 0 && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList)) para.level = kLevelContent;
   if (para.level == kLevelTextBox && (m_pDoc->m_vecParagraph.empty() || m_pDoc->m_vecParagraph.back().level != kLevelTextBox))
@@ -307,7 +310,10 @@ tstring CDocxParser::NumberLabel(const char* pStart, const char* pHead, const ts
   if (nNumId <= 0) return "";
   if (nIlvl < 0) nIlvl = m_numbering.LevelOfStyle(nNumId, sStyleId);
   if (nIlvl < 0 && it != m_mapStyleNumbering.end()) nIlvl = it->second.second;
-  return m_pCounter->Next(nNumId, std::max(nIlvl, 0));
+  // A level text may end in blanks of its own; the label is the number.
+  tstring sLabel = m_pCounter->Next(nNumId, std::max(nIlvl, 0));
+  const size_t nFirst = sLabel.find_first_not_of(" \t\xA0"), nLast = sLabel.find_last_not_of(" \t");
+  return nFirst == tstring::npos ? tstring() : sLabel.substr(nFirst, nLast - nFirst + 1);
 }
 
 // Fields written whole in one tag: "<w:fldSimple w:instr=\"SEQ 图\">".

@@ -152,3 +152,58 @@ TEST(CorpusTest, EveryDocumentReadsIntoASoundModel) {
 }
 
 }  // namespace
+
+namespace {
+
+// The paragraph ("p" offsets) that holds each "_Toc" bookmark, read from
+// the XML apart from the model.
+std::map<std::string, uint32_t> TocBookmarks(const std::string& sXml) {
+  std::map<std::string, uint32_t> mapBookmarks;
+  uint32_t nPara = 0;
+  for (size_t i = sXml.find('<'); i != std::string::npos; i = sXml.find('<', i + 1)) {
+    if (sXml.compare(i, 4, "<w:p") == 0 && i + 4 < sXml.size() && (sXml[i + 4] == ' ' || sXml[i + 4] == '>'))
+      nPara = (uint32_t)(i + 3);
+    if (sXml.compare(i, 16, "<w:bookmarkStart") != 0) continue;
+    size_t nName = sXml.find("w:name=\"_Toc", i), nGt = sXml.find('>', i);
+    if (nName == std::string::npos || nName > nGt) continue;
+    size_t nQuote = sXml.find('"', nName + 8);
+    mapBookmarks[sXml.substr(nName + 8, nQuote - nName - 8)] = nPara;
+  }
+  return mapBookmarks;
+}
+
+// A contents entry that names its heading (the table of contents is current
+// for it) starts with the number the heading shows: its automatic label
+// when it has one.
+TEST(CorpusTest, ContentsEntriesShowTheLabelsOfTheirHeadings) {
+  std::vector<std::string> vecFiles = CorpusDocuments();
+  if (vecFiles.empty()) GTEST_SKIP() << "no corpus at " << TARVOS_CORPUS_DIR;
+  CTempDir dir;
+  size_t nCompared = 0;
+  for (const std::string& sSource : vecFiles) {
+    std::string sCopy = dir.Path() + "/" + fs::path(sSource).filename().string();
+    fs::copy_file(sSource, sCopy, fs::copy_options::overwrite_existing);
+    CDocument doc;
+    ASSERT_GE(CDocImporter(nullptr).ParseDocx(doc, sCopy.c_str(), "", 0), 0) << sSource;
+    const std::string sXml = ReadWholeFile(doc.m_sPath + "/word/document.xml");
+    const std::map<std::string, uint32_t> mapBookmarks = TocBookmarks(sXml);
+    for (int nEntry : doc.ContentEntries()) {
+      const _tParagraph& entry = doc.m_vecParagraph[nEntry];
+      size_t nEnd = sXml.find("</w:p>", entry.id);
+      size_t nRef = sXml.find("PAGEREF _Toc", entry.id);
+      if (nRef == std::string::npos || nRef > nEnd) continue;
+      const std::string sName = sXml.substr(nRef + 8, sXml.find_first_of(" \\<", nRef + 8) - nRef - 8);
+      auto it = mapBookmarks.find(sName);
+      _tParaIndex index;
+      if (it == mapBookmarks.end() || !doc.GetParaIndex(it->second, index) || index.table_index >= 0) continue;
+      const _tParagraph& heading = doc.m_vecParagraph[index.para_index];
+      if (heading.num_label.empty() || heading.text.empty() || entry.text.find(heading.text) == std::string::npos) continue;
+      ++nCompared;
+      EXPECT_EQ(entry.text.compare(entry.text.find_first_not_of(" \t"), heading.num_label.size(), heading.num_label), 0)
+          << sSource << ": the entry \"" << entry.text << "\" for the heading labelled \"" << heading.num_label << "\"";
+    }
+  }
+  printf("%zu contents entries compared with the labels of their headings\n", nCompared);
+}
+
+}  // namespace

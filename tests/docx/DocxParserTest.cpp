@@ -279,3 +279,68 @@ TEST_F(DocxParserTest, NumberedAndStyledParagraphsCaptionTheirFigures) {
 }
 
 }  // namespace
+
+namespace {
+
+std::string NumPr(int nNumId, int nIlvl = -1) {
+  return "<w:numPr>" + (nIlvl >= 0 ? "<w:ilvl w:val=\"" + std::to_string(nIlvl) + "\"/>" : std::string()) +
+         "<w:numId w:val=\"" + std::to_string(nNumId) + "\"/></w:numPr>";
+}
+
+std::string Level(int nIlvl, const char* szFormat, const char* szText, const char* szStyle = "", bool bLegal = false) {
+  return "<w:lvl w:ilvl=\"" + std::to_string(nIlvl) + "\"><w:start w:val=\"1\"/><w:numFmt w:val=\"" + szFormat + "\"/>" +
+         (*szStyle ? std::string("<w:pStyle w:val=\"") + szStyle + "\"/>" : "") + (bLegal ? "<w:isLgl/>" : "") +
+         "<w:lvlText w:val=\"" + szText + "\"/></w:lvl>";
+}
+
+// Headings numbered through their styles (第一章, then legal 1.1 below),
+// lists numbered directly (（一）), one list restarted by a second num.
+const char kNumbering[] =
+    "<w:numbering>"
+    "<w:abstractNum w:abstractNumId=\"0\">%HEADINGS%</w:abstractNum>"
+    "<w:abstractNum w:abstractNumId=\"1\">%LIST%</w:abstractNum>"
+    "<w:num w:numId=\"1\"><w:abstractNumId w:val=\"0\"/></w:num>"
+    "<w:num w:numId=\"2\"><w:abstractNumId w:val=\"1\"/></w:num>"
+    "<w:num w:numId=\"3\"><w:abstractNumId w:val=\"1\"/><w:lvlOverride w:ilvl=\"0\"><w:startOverride w:val=\"1\"/>"
+    "</w:lvlOverride></w:num></w:numbering>";
+
+std::string NumberingXml() {
+  std::string s = kNumbering;
+  s.replace(s.find("%HEADINGS%"), 10,
+            Level(0, "chineseCounting", "第%1章", "H1") + Level(1, "decimal", "%1.%2", "H2", true));
+  s.replace(s.find("%LIST%"), 6, Level(0, "chineseCounting", "（%1）"));
+  return s;
+}
+
+const char kNumberedStyles[] =
+    "<w:styles>"
+    "<w:style w:type=\"paragraph\" w:styleId=\"H1\"><w:name w:val=\"heading 1\"/><w:pPr><w:numPr><w:numId w:val=\"1\"/>"
+    "</w:numPr></w:pPr></w:style>"
+    "<w:style w:type=\"paragraph\" w:styleId=\"H2\"><w:name w:val=\"heading 2\"/><w:basedOn w:val=\"H1\"/></w:style>"
+    "</w:styles>";
+
+// The label every numbered paragraph shows, read in document order.
+TEST_F(DocxParserTest, AutomaticNumbersBecomeLabels) {
+  auto fnH = [](const char* szStyle, const char* szText, const std::string& sMore = "") {
+    return Para(TextRun(szText), std::string("<w:pStyle w:val=\"") + szStyle + "\"/>" + sMore);
+  };
+  auto fnCell = [](const std::string& s) { return "<w:tc>" + s + "</w:tc>"; };
+  Read(fnH("H1", "摘要", NumPr(0)) +                                      // numbering taken away
+           fnH("H1", "绪论") + fnH("H2", "背景") + fnH("H2", "意义") +
+           Para(TextRun("第一项"), NumPr(2, 0)) + Para("", NumPr(2, 0)) +   // an empty item shows its number too
+           Para(TextRun("第三项"), NumPr(2, 0)) +
+           "<w:tbl><w:tr>" + fnCell(Para(TextRun("表中项"), NumPr(2, 0))) + "</w:tr></w:tbl>" +
+           Para(TextRun("重新开始"), NumPr(3, 0)) +
+           Para("", "<w:pStyle w:val=\"H1\"/><w:sectPr/>") +  // closes a section: shows no number, counts none
+           fnH("H1", "方法") + fnH("H2", "数据") + Para(TextRun("没有编号")),
+       {{"word/numbering.xml", NumberingXml()}, {"word/styles.xml", kNumberedStyles}});
+  std::string sLabels;
+  for (const _tParagraph& para : m_doc.m_vecParagraph)
+    if (para.level != kLevelTable) sLabels += para.num_label + "|";
+  EXPECT_EQ(sLabels, "|第一章|1.1|1.2|（一）|（三）|（一）|第二章|2.1||");
+  EXPECT_EQ(m_doc.m_vecTable[0].rows[0][0][0].num_label, "（四）") << "a cell counts where it stands";
+  EXPECT_EQ(m_doc.m_vecParagraph[1].NumberedText(), "第一章 绪论");
+  EXPECT_NE(CStructureWriter(m_doc).Json(false).find("\"numLabel\": \"1.1\""), std::string::npos);
+}
+
+}  // namespace
