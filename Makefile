@@ -14,27 +14,29 @@ all: release
 deps:
 	bash scripts/install-deps.sh
 
-release:
+# Every build installs what a bare machine lacks first (the script skips
+# what is present), so `make demo` and `make test` work on a fresh machine.
+release: deps
 	$(CMAKE_GEN) -B $(BUILD) -DCMAKE_BUILD_TYPE=Release
 	cmake --build $(BUILD) -j $(JOBS)
 
 test: release
 	cd $(BUILD) && ctest --output-on-failure -j $(JOBS)
 
-asan:
+asan: deps
 	$(CMAKE_GEN) -B $(ASAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_SANITIZE=ON
 	cmake --build $(ASAN_BUILD) -j $(JOBS)
 	cd $(ASAN_BUILD) && ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 \
 	  UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
-tsan:
+tsan: deps
 	$(CMAKE_GEN) -B $(TSAN_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_TSAN=ON
 	cmake --build $(TSAN_BUILD) -j $(JOBS)
 	cd $(TSAN_BUILD) && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
 	  ctest --output-on-failure -j $(JOBS)
 
-fuzz:
+fuzz: deps
 	CC=clang CXX=clang++ $(CMAKE_GEN) -B $(FUZZ_BUILD) -DCMAKE_BUILD_TYPE=Debug -DTARVOS_FUZZ=ON -DTARVOS_BUILD_TESTS=OFF
 	cmake --build $(FUZZ_BUILD) --target fuzz_all -j $(JOBS)
 	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)

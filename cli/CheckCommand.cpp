@@ -1,6 +1,8 @@
 #include "cli/CheckCommand.h"
 
 #include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -78,6 +80,29 @@ void PrintSummary(const std::string& sFile, const std::string& sResultFile, cons
   s << "  result: " << sResultFile << "\n";
 }
 
+// The files a check of a document writes beside it: the result and the
+// structure file, in either form.
+std::vector<fs::path> FilesWrittenFor(const std::string& sFile) {
+  const fs::path path = fs::absolute(sFile).lexically_normal();
+  const std::string sStem = path.stem().string();
+  std::vector<fs::path> vecFiles;
+  for (const char* szSuffix : {".xml", ".json", "_Check.xml", "_Check.json", "_Content.xml", "_Content.json"})
+    vecFiles.push_back(path.parent_path() / (sStem + szSuffix));
+  return vecFiles;
+}
+
+// The file a check would write that is this process's standard output
+// ("tarvos check r.docx --format json > r.json"), or "" when there is none.
+std::string OutputOverwrittenBy(const std::string& sFile) {
+  struct stat stOut;
+  if (fstat(STDOUT_FILENO, &stOut) != 0 || !S_ISREG(stOut.st_mode)) return "";
+  for (const fs::path& path : FilesWrittenFor(sFile)) {
+    struct stat st;
+    if (stat(path.c_str(), &st) == 0 && st.st_dev == stOut.st_dev && st.st_ino == stOut.st_ino) return path.string();
+  }
+  return "";
+}
+
 // With a chosen template the check runs as usual, writing XML, and its
 // format findings are then made again against that template.
 const char* CheckOne(const std::string& sFile, const _tCheckOptions& options) {
@@ -97,6 +122,14 @@ int RunCheck(const std::string& sDataDir, const _tCheckOptions& options, std::os
   if (!StartEngine(sDataDir, err)) return 1;
   std::vector<std::string> vecFiles = ExpandInputs(options.inputs);
   std::ostream& summary = options.json ? err : out;
+  for (const std::string& sFile : vecFiles) {
+    const std::string sClash = OutputOverwrittenBy(sFile);
+    if (sClash.empty()) continue;
+    err << "tarvos: standard output is " << sClash << ", which the check of " << sFile
+        << " writes itself; send the output to another file\n";
+    TARVOS_Exit();
+    return 1;
+  }
   int nFailed = 0;
   for (size_t i = 0; i < vecFiles.size(); ++i) {
     const std::string& sFile = vecFiles[i];

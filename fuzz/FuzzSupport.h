@@ -1,7 +1,10 @@
 #pragma once
 // What every fuzz target shares: a private file to hand the bytes to a loader.
+// Files go to the build tree's fuzz work folder, never to /tmp.
+#include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -13,7 +16,9 @@ inline constexpr size_t kMaxFuzzInput = 1 << 20;
 
 // A path unique to this process for the given name.
 inline std::string FuzzPath(const char* sName) {
-  return "/tmp/tarvos-fuzz-" + std::to_string(getpid()) + "-" + sName;
+  static const bool s_bMade = mkdir(TARVOS_FUZZ_WORK_DIR, 0777) == 0 || errno == EEXIST;
+  (void)s_bMade;
+  return std::string(TARVOS_FUZZ_WORK_DIR) + "/" + std::to_string(getpid()) + "-" + sName;
 }
 
 // Writes the bytes as they are.

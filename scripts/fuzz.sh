@@ -36,6 +36,6 @@ for target in "$build"/fuzz/*Fuzzer; do
     tail -30 "$build/fuzz/$name.log"
     status=1
   fi
-  rm -rf /tmp/tarvos-fuzz-*
+  rm -rf "$build/fuzz/work"
 done
 exit $status
