@@ -8,8 +8,6 @@
 #include "checker/CheckResult.h"
 #include "docx/Document.h"
 #include "utility/Num2FontSize.h"
-#include "utility/Utf8.h"
-#include "utility/lexical/CharClass.h"
 
 namespace {
 
@@ -34,25 +32,25 @@ bool IsFormLine(const tstring& sText) {
   return sText.find("__") != tstring::npos || sText.find("□") != tstring::npos || sText.find("  ") != tstring::npos;
 }
 
-// Running Chinese text: at least a third of its characters are Chinese.
-// Code, formulas and quotations in Latin script have formats of their own.
+// Running Chinese text of some length: at least kMinBodyCharacters
+// characters, a third of them Chinese. Code, formulas and quotations in
+// Latin script have formats of their own. Counted on the bytes: a
+// character starts at every byte that is no continuation byte, and the
+// ideographs U+4000..U+9FFF at the lead bytes 0xE4..0xE9.
 bool IsChineseProse(const tstring& sText) {
   size_t nHan = 0, nAll = 0;
-  for (size_t i = 0, n = 0; i < sText.size(); i += n, ++nAll) {
-    uint32_t nChar;
-    n = DecodeUtf8(sText.data() + i, sText.size() - i, nChar);
-    if (ClassifyChar(nChar) == kCharHan) ++nHan;
+  for (unsigned char c : sText) {
+    nAll += (c & 0xC0) != 0x80;
+    nHan += c >= 0xE4 && c <= 0xE9;
   }
-  return nHan * 3 >= nAll;
+  return nAll >= CConsistencyCheck::kMinBodyCharacters && nHan * 3 >= nAll;
 }
 
 // The kind a paragraph is compared within; -1 for none.
 int KindOf(const _tParagraph& para) {
   if (para.level >= 1 && para.level <= 4) return para.level;
   if (para.level == kLevelFigureCaption || para.level == kLevelTableCaption) return para.level;
-  if (para.level == kLevelBody && Utf8Length(para.text) >= CConsistencyCheck::kMinBodyCharacters &&
-      !IsFormLine(para.text) && IsChineseProse(para.text))
-    return kLevelBody;
+  if (para.level == kLevelBody && !IsFormLine(para.text) && IsChineseProse(para.text)) return kLevelBody;
   return -1;
 }
 
@@ -110,12 +108,13 @@ int CConsistencyCheck::Check(const CDocument& doc, CCheckResult& result) const {
   };
   int nAdded = 0;
   const std::pair<size_t, size_t> main = MainText(doc);
-  const size_t nMainStart = main.first, nMainEnd = main.second;
+  std::vector<int> vecKinds;  // per paragraph of the main text, found once for every property
+  for (size_t i = main.first; i < main.second; ++i) vecKinds.push_back(KindOf(doc.m_vecParagraph[i]));
   for (const _tProperty& property : kProperties) {
     std::map<std::pair<int, tstring>, _tPropertyGroup> mapGroups;  // (kind, script class) -> values
-    for (size_t i = nMainStart; i < nMainEnd; ++i) {
+    for (size_t i = main.first; i < main.second; ++i) {
       const _tParagraph& para = doc.m_vecParagraph[i];
-      const int nKind = KindOf(para);
+      const int nKind = vecKinds[i - main.first];
       tstring sGroup;
       const tstring sValue = nKind == -1 || para.text.empty() ? tstring() : property.fnValue(para, sGroup);
       if (!sValue.empty()) mapGroups[{nKind, sGroup}].Add(sValue, para);

@@ -318,6 +318,8 @@ tstring CDocxParser::NumberLabel(const char* pStart, const char* pHead, const ts
 
 // Fields written whole in one tag: "<w:fldSimple w:instr=\"SEQ 图\">".
 void CDocxParser::NoteSimpleFields(const char* pStart, const char* pEnd, _tParagraph& para) const {
+  // Rare: one quick search of the bare name spares most paragraphs the tag walk.
+  if (FindIn(pStart, pEnd, "fldSimple") == nullptr) return;
   for (const char* q = FindElement(pStart, pEnd, "<w:fldSimple"); q; q = FindElement(q + 1, pEnd, "<w:fldSimple")) {
     const char* pGt = static_cast<const char*>(memchr(q, '>', (size_t)(pEnd - q)));
     tstring sInstruction;
@@ -344,7 +346,9 @@ void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph&
   tstring sAlign, sRelId;
   bool bAlign = pPropsEnd && FindElementAttr(pRun, pHead, "w:vertAlign", "w:val", sAlign);
   bool bImage = false, bPageRef = false;
-  for (const char* q = static_cast<const char*>(memchr(pRun + 1, '<', (size_t)(pRunEnd - pRun - 1))); q;
+  // The run's properties hold no text or mark: the walk starts after them.
+  const char* pFrom = pPropsEnd ? pPropsEnd + 1 : pRun + 1;
+  for (const char* q = static_cast<const char*>(memchr(pFrom, '<', (size_t)(pRunEnd - pFrom))); q;
        q = q + 1 < pRunEnd ? static_cast<const char*>(memchr(q + 1, '<', (size_t)(pRunEnd - q - 1))) : nullptr) {
     const size_t nLeft = (size_t)(pRunEnd - q);
     if (nLeft < 5) break;
@@ -381,6 +385,9 @@ void CDocxParser::ExtractRun(const char* pRun, const char* pRunEnd, _tParagraph&
 void CDocxParser::ExtractRunMark(const char* q, const char* pRunEnd, _tParagraph& para, bool& bPageRef, bool& bImage,
                                  tstring& sRelId) {
   const size_t nLeft = (size_t)(pRunEnd - q);
+  // Most tags are none of these: their first letters tell at once.
+  const bool bWord = q[1] == 'w' && q[2] == ':' && strchr("nsbcfi", q[3]) != nullptr;
+  if (!bWord && q[1] != 'v' && q[1] != 'a') return;
   auto fnIs = [&](const char* sTag) {
     const size_t n = strlen(sTag);
     return nLeft > n && memcmp(q, sTag, n) == 0 && (q[n] == ' ' || q[n] == '/' || q[n] == '>');
