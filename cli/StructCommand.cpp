@@ -1,6 +1,7 @@
 #include "cli/StructCommand.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -29,9 +30,10 @@ int RunStruct(const std::string& sDataDir, const std::string& sFile, bool bJson,
     TARVOS_Exit();
     return 1;
   }
-  const std::string sResult = sPath;
+  // The engine names it through the working folder ("x_unzip/../x.xml").
+  const std::string sResult = std::filesystem::path(sPath).lexically_normal().string();
   TARVOS_Exit();
-  out << sResult << "\n";
+  out << sResult << std::endl;  // before the counts on standard error
   std::ifstream in(sResult, std::ios::binary);
   std::stringstream text;
   text << in.rdbuf();
