@@ -77,7 +77,7 @@ void CFormatCheckRun::ScanChapter() {
     if (nIndex < 0 || (size_t)nIndex >= m_doc.m_vecParagraph.size()) continue;
     _tParagraph& para = m_doc.m_vecParagraph[nIndex];
     _tSection_Info info;
-    ExtractOrder(para.NumberedText(), kOrderHeading, info);
+    ExtractOrder(para.NumberedText(), kOrderHeadingLine, info);
     if (para.text.size() >= kLongHeadingBytes && info.num_format == kStyleNone) {
       AddFinding(para.id, "1.3.9", 3, 2, std::to_string(para.level), "");
       para.level = 1000;

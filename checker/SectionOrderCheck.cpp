@@ -97,13 +97,22 @@ void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, i
   // The number each series expects next: chapters (in whatever style),
   // appendices "附录A" and parts count apart.
   std::map<tstring, int> mapWant;
+  std::map<tstring, size_t> mapSince;  // where the text that may lead up to the next of a series starts
   for (_tSection_Info& part : vecParts) {
     if (part.order <= 0 || part.error_id == "1.3.7") continue;
     const bool bPart = IsPart(part);
     const bool bAppendix = part.prefix.compare(0, 6, "附录") == 0 || strncasecmp(part.prefix.c_str(), "appendix", 8) == 0;
-    const tstring sSeries = bPart ? "part" : bAppendix ? "appendix" : "chapter";
+    const bool bAnnex = part.prefix.compare(0, 6, "附件") == 0;
+    const tstring sSeries = bPart ? "part" : bAppendix ? "appendix" : bAnnex ? "annex" : "chapter";
     int& nExpected = mapWant.emplace(sSeries, bPart ? 1 : nFirst).first->second;
+    size_t& nSince = mapSince.emplace(sSeries, 0).first->second;
     const _tParagraph* pPara = ParagraphWithId(part.para_id);
+    _tParaIndex place;
+    const size_t nIndex = m_doc.GetParaIndex(part.para_id, place) && place.table_index < 0 ? place.para_index : 0;
+    // A contract attaches the annexes of its list that apply ("附件7",
+    // "附件9"); a chapter may run on from the text before it.
+    if (part.order > nExpected && (bAnnex || RunsOnFromText(nIndex, nSince, part))) nExpected = part.order;
+    if (nIndex > 0) nSince = nIndex;
     if (part.order > nExpected) {
       part.error_id = "1.3.14";
       if (pPara) Add(*pPara, "1.3.14", part.text, WithLast(part, nExpected));
@@ -119,7 +128,10 @@ void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, i
     }
     if (bPart)  // the chapters under a new part count from the start again
       for (auto& kv : mapWant)
-        if (kv.first != "part") kv.second = nFirst;
+        if (kv.first != "part") {
+          kv.second = nFirst;
+          mapSince[kv.first] = nIndex;
+        }
   }
 }
 
@@ -138,6 +150,10 @@ void CSectionOrderCheck::CheckSections() {
 size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const tstring& sChapId) {
   const std::vector<int>& vecHeadings = m_doc.Headings();
   int vecLast[kMaxHeadingLevel + 1] = {0};
+  // Where the text that may lead up to the next heading of each level
+  // starts: after the last heading of that level or above.
+  size_t vecSince[kMaxHeadingLevel + 1];
+  std::fill(vecSince, vecSince + kMaxHeadingLevel + 1, nStart > 0 ? (size_t)vecHeadings[nStart] : 0);
   int nPrevLevel = nLevel - 1;
   size_t i = nStart;
   for (; i < vecHeadings.size(); ++i) {
@@ -149,7 +165,7 @@ size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const ts
     }
     if (para.level > kMaxHeadingLevel) continue;
     _tSection_Info info;
-    if (ExtractOrder(para.NumberedText(), kOrderHeading, info) <= 0) continue;
+    if (ExtractOrder(para.NumberedText(), kOrderHeadingLine, info) <= 0) continue;
     const int nChapter = sChapId.empty() ? ChapterAt((size_t)vecHeadings[i]) : atoi(sChapId.c_str());
     if (para.level > nPrevLevel + 1)
       Add(para, "1.3.5", info.text, "");
@@ -160,8 +176,8 @@ size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const ts
       Add(para, "1.3.11", info.text, Renumbered(info, vecOrders));
     }
     int& nLast = vecLast[para.level];
-    const size_t nScopeStart = i > nStart ? (size_t)vecHeadings[nStart] : 0;
-    if (nLast == 0 && RunsOnFromText((size_t)vecHeadings[i], nScopeStart, info)) nLast = info.order - 1;
+    if (info.order > nLast + 1 && RunsOnFromText((size_t)vecHeadings[i], vecSince[para.level], info))
+      nLast = info.order - 1;
     if (info.order == nLast + 1) {
       nLast = info.order;
     } else if (info.order > nLast + 1) {
@@ -170,6 +186,7 @@ size_t CSectionOrderCheck::CheckSectionOrder(size_t nStart, int nLevel, const ts
     } else {
       Add(para, info.order == nLast ? "1.3.3" : "1.3.6", info.text, WithLast(info, nLast + 1));
     }
+    for (int k = para.level; k <= kMaxHeadingLevel; ++k) vecSince[k] = (size_t)vecHeadings[i];
     for (int k = para.level + 1; k <= kMaxHeadingLevel; ++k) vecLast[k] = 0;
     nPrevLevel = para.level;
   }
@@ -194,10 +211,18 @@ bool CSectionOrderCheck::RunsOnFromText(size_t nIndex, size_t nScopeStart, const
   if (info.order <= 1) return false;
   for (size_t k = nIndex; k-- > nScopeStart;) {
     const _tParagraph& para = m_doc.m_vecParagraph[k];
-    if (para.level != kLevelBody) continue;
+    // Body text, a heading given another level, or a heading the reading
+    // took for a caption: what the reader sees numbered in the text.
+    const bool bInText = para.level == kLevelBody || (para.level >= 1 && para.level <= kMaxHeadingLevel) ||
+                         para.level == kLevelFigureCaption || para.level == kLevelTableCaption;
+    if (!bInText) continue;
     _tSection_Info before;
-    if (ExtractOrder(para.NumberedText(), kOrderHeading, before) == info.order - 1 && before.IsSameFormat(info))
-      return true;
+    // Writers mix the marks after a number ("六．" then "七、"): the style
+    // of the number and its depth decide.
+    if (ExtractOrder(para.NumberedText(), kOrderHeadingLine, before) != info.order - 1 ||
+        before.num_format != info.num_format || before.level != info.level || before.prefix != info.prefix)
+      continue;
+    if (std::equal(before.vecOrders.begin(), before.vecOrders.end() - 1, info.vecOrders.begin())) return true;
   }
   return false;
 }

@@ -9,17 +9,21 @@
 //                                 a number not above the last "1.3.15"
 //   (appendices "附录A" count apart from chapters, whatever style these
 //   are numbered in; chapters restart under each part "第一部分", "第二篇",
-//   "Part 2", which run in a series of their own)
+//   "Part 2", which run in a series of their own; annexes "附件7" count
+//   apart and may skip, as a contract attaches those of its list that
+//   apply; a chapter runs on from text before it as sections do, below)
 //   sections within a chapter, per heading level, restarting under each
 //   higher heading:               a skipped number            "1.3.1"
 //                                 the previous number again   "1.3.3"
 //                                 a number below the previous "1.3.6"
 //                                 a level deeper by two       "1.3.5"
 //                                 "2.3" under chapter 3       "1.3.11"
-//   A heading whose number is the first of its level in its chapter runs
-//   on, without a finding, from a body paragraph before it in the chapter
-//   numbered the same way and one less ("六、" as text, then "七、" as a
-//   heading).
+//   A heading whose number skips runs on, without a finding, from a
+//   paragraph before it in the chapter (since the last heading of its
+//   level) numbered one less in the same style, depth and prefix, with the
+//   same outer parts, whatever mark follows: body text ("六．" as text,
+//   then "七、" as a heading), a heading given another level, or a heading
+//   the reading took for a caption ("2.7插入图片" after a figure).
 //   figures / tables: "图2-1" restarts at 1 in each chapter; one-part
 //   numbers run through the document. A skip or repeat "1.3.8" (figures) or
 //   "1.3.10" (tables); a chapter number below the previous one "1.3.6".
@@ -62,8 +66,8 @@ class CSectionOrderCheck {
 
  private:
   static bool IsPart(const _tSection_Info& info);
-  // A first number above 1 at paragraph nIndex that a body paragraph of
-  // the same numbering style, from nScopeStart on, leads up to.
+  // A first number above 1 at paragraph nIndex that a paragraph in the
+  // text of the same numbering style, from nScopeStart on, leads up to.
   bool RunsOnFromText(size_t nIndex, size_t nScopeStart, const _tSection_Info& info) const;
   static bool IsCaptionShaped(const _tParagraph& para, const _tSection_Info& info);
   // One numbered series: nChapter 0 for one-part numbers.

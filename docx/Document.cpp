@@ -2,8 +2,6 @@
 
 #include <strings.h>
 
-#include <algorithm>
-
 #include "utility/NumberOrder.h"
 #include "utility/TextNormalizer.h"
 
@@ -13,8 +11,7 @@ namespace {
 bool NamesReferences(const tstring& sText) {
   _tSection_Info info;
   ExtractOrder(sText, kOrderHeading, info);
-  tstring sTitle = NormalizeText(sText.substr(sText.find(info.text) == 0 ? info.text.size() : 0));
-  sTitle.erase(std::remove(sTitle.begin(), sTitle.end(), ' '), sTitle.end());
+  tstring sTitle = CompactTitle(sText.substr(sText.find(info.text) == 0 ? info.text.size() : 0));
   return sTitle == "参考文献" || strcasecmp(sTitle.c_str(), "References") == 0 ||
          strcasecmp(sTitle.c_str(), "Bibliography") == 0;
 }

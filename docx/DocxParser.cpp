@@ -12,6 +12,7 @@
 #include "docx/NumberingCounter.h"
 #include "docx/PaperStructure.h"
 #include "utility/ErrorLog.h"
+#include "utility/TextNormalizer.h"
 #include "utility/Utf8.h"
 #include "utility/XmlScan.h"
 
@@ -20,6 +21,14 @@ namespace {
 const uint32_t kNoId = 0xFFFFFFFFu;  // "-1": take the offset of the paragraph
 
 bool IsAsciiFont(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }
+
+// The title above a table of contents; a note in brackets after it (as
+// templates give how the title is to look) is no part of it.
+bool NamesContents(const tstring& sText) {
+  tstring sTitle = CompactTitle(sText.substr(0, std::min(sText.find("（"), sText.find('('))));
+  return sTitle == "目录" || strcasecmp(sTitle.c_str(), "Contents") == 0 ||
+         strcasecmp(sTitle.c_str(), "TableofContents") == 0;
+}
 
 // sWord within the first or the last nBytes bytes of a text.
 bool NearEnds(const tstring& sText, const char* sWord, size_t nBytes) {
@@ -216,8 +225,10 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
   // processor leaves it out of the count.
   if (!para.text.empty() || FindIn(pStart, pHead, "<w:sectPr") == nullptr)
     para.num_label = NumberLabel(pStart, pHead, sStyleId);
-  // An entry of a contents field or style is one even without a page number.
-  if (para.level == 0 && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList)) para.level = kLevelContent;
+  // An entry of a contents field or style is one even without a page number;
+  // the title the field often starts in is not.
+  if (para.level == 0 && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList) && !NamesContents(para.text))
+    para.level = kLevelContent;
   if (para.level == kLevelTextBox && (m_pDoc->m_vecParagraph.empty() || m_pDoc->m_vecParagraph.back().level != kLevelTextBox))
     StoreFigure(_tFigure(), para);
 }
@@ -622,7 +633,8 @@ void CDocxParser::ExtractStyles(const CDocxPackage& package) {
 // entries of a list of figures, captions (also the names Chinese templates
 // give their own caption styles).
 unsigned CDocxParser::StyleKinds(const tstring& sName) {
-  if (strncasecmp(sName.c_str(), "toc ", 4) == 0) return kKindInContents;
+  // "toc 1".."toc 9"; "TOC Heading" names the title above the entries.
+  if (strncasecmp(sName.c_str(), "toc ", 4) == 0 && isdigit((unsigned char)sName[4])) return kKindInContents;
   if (strcasecmp(sName.c_str(), "table of figures") == 0) return kKindFigureList;
   static const char* const kCaptionNames[] = {"图题", "表题", "图名", "表名"};
   if (strcasecmp(sName.c_str(), "caption") == 0 || sName.find("题注") != tstring::npos) return kKindCaptionStyle;

@@ -203,7 +203,7 @@ void Fill(_tSection_Info& info, const tstring& sPrefix, const std::vector<_tPart
   info.text = sText.substr(nStart, nEnd - nStart);
 }
 
-int ExtractHeading(const tstring& sText, _tSection_Info& info) {
+int ExtractHeading(const tstring& sText, bool bHeadingLine, _tSection_Info& info) {
   std::vector<_tChar> vecChars = Decode(sText);
   const size_t n = vecChars.size();
   size_t i = 0;
@@ -256,7 +256,7 @@ int ExtractHeading(const tstring& sText, _tSection_Info& info) {
   // What follows a bare number or a full stop must not make it a quantity.
   if ((sPost.empty() || sPost == "." || sPost == "．") && nEndIndex < n) {
     uint32_t cNext = vecChars[nEndIndex].c;
-    if (IsAsciiDigit(cNext) || IsFullDigit(cNext) || IsQuantityChar(cNext) ||
+    if (IsAsciiDigit(cNext) || IsFullDigit(cNext) || (IsQuantityChar(cNext) && !bHeadingLine) ||
         (IsLatin(cNext) && sPost.empty()))
       return 0;
   }
@@ -317,7 +317,8 @@ tstring Roman(int nValue, bool bUpper) {
 int ExtractOrder(const tstring& sText, int nMode, _tSection_Info& info) {
   info = _tSection_Info();
   info.sample = sText;
-  int nOrder = nMode == kOrderFormula ? ExtractFormula(sText, info) : ExtractHeading(sText, info);
+  int nOrder = nMode == kOrderFormula ? ExtractFormula(sText, info)
+                                      : ExtractHeading(sText, nMode == kOrderHeadingLine, info);
   if (nOrder <= 0) {
     tstring sSample = info.sample;
     info = _tSection_Info();

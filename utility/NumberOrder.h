@@ -18,12 +18,17 @@
 // character such as 万 亿 元 年 月 日 倍 个 % ("3D打印", "1000万元", "2.5亿"), and
 // a bare number or Chinese numeral glued to the following word ("一带一路").
 //
+// Heading-line mode (-2) reads a paragraph known to be a heading: a unit
+// character after the number does not refuse it there ("3.2人力成本",
+// "2.3条件、假定和限制" are sections, not amounts).
+//
 // Formula mode (3) reads a bracketed number at the end of a text:
 //   (3-2) （2.1） (12) （3.2.1）          prefix and post the brackets
 #include "utility/SectionInfo.h"
 #include "utility/TString.h"
 
 inline constexpr int kOrderHeading = -1;
+inline constexpr int kOrderHeadingLine = -2;
 inline constexpr int kOrderFormula = 3;
 
 // Fills info with the numbering found in sText (info.sample = sText) and

@@ -1,5 +1,7 @@
 #include "utility/TextNormalizer.h"
 
+#include <algorithm>
+
 #include "utility/Utf8.h"
 
 void CharStat(const tstring& sText, int64_t& nSingleByte, int64_t& nMultiByte) {
@@ -40,4 +42,10 @@ tstring NormalizeText(const tstring& sText) {
       sOut.append(sText, i, n);
   }
   return sOut;
+}
+
+tstring CompactTitle(const tstring& sText) {
+  tstring sTitle = NormalizeText(sText);
+  sTitle.erase(std::remove(sTitle.begin(), sTitle.end(), ' '), sTitle.end());
+  return sTitle;
 }

@@ -18,3 +18,7 @@ void CharStat(const tstring& sText, int64_t& nSingleByte, int64_t& nMultiByte);
 //  3. blanks at both ends are removed.
 // Everything else, invalid bytes included, is kept as it is.
 tstring NormalizeText(const tstring& sText);
+
+// A title as it compares: normalised, then without any blank, so that
+// spaced-out titles ("目　录", "参 考 文 献") match their plain forms.
+tstring CompactTitle(const tstring& sText);

@@ -249,16 +249,21 @@ TEST_F(DocxParserTest, TheContentsAreTheEntriesOfTheContentsField) {
                                   "<w:r><w:fldChar w:fldCharType=\"separate\"/></w:r>";
   const std::string sEnd = "<w:r><w:fldChar w:fldCharType=\"end\"/></w:r>";
   const std::string sHeading = "<w:outlineLvl w:val=\"0\"/>";
-  Read(Para(TextRun("目录")) +
-       Para(sBegin + TextRun("第一章 绪论") + Field(" PAGEREF _Toc1 \\h ", "1")) +
+  const std::string sStyles =
+      "<w:styles><w:style w:type=\"paragraph\" w:styleId=\"t0\"><w:name w:val=\"TOC Heading\"/></w:style>"
+      "<w:style w:type=\"paragraph\" w:styleId=\"t1\"><w:name w:val=\"toc 1\"/></w:style></w:styles>";
+  Read(Para(TextRun("本文目次"), "<w:pStyle w:val=\"t0\"/>") +  // the title, by its style
+       Para(TextRun("目 录（小四号）") + sBegin) +                  // the title the field starts in
+       Para(TextRun("第一章 绪论") + Field(" PAGEREF _Toc1 \\h ", "1"), "<w:pStyle w:val=\"t1\"/>") +
        Para(TextRun("第二章 方法")) +  // an entry without a page number
        Para(sEnd) +
        Para(sFigureList + TextRun("图1 结构") + Field(" PAGEREF _Toc9 \\h ", "2") + sEnd) +
        Para(TextRun("第一章 绪论"), sHeading) +
        Para(TextRun("详见") + Field(" PAGEREF _Ref3 \\h ", "5")) +
-       Para(TextRun("第二章 方法"), sHeading));
-  EXPECT_EQ(Summary(), "0:目录|13:第一章 绪论 . 1|13:第二章 方法|13:图1 结构 . 2|1:第一章 绪论|13:详见 . 5|1:第二章 方法|");
-  EXPECT_EQ(m_doc.ContentEntries(), (std::vector<int>{1, 2}));
+       Para(TextRun("第二章 方法"), sHeading),
+       {{"word/styles.xml", sStyles}});
+  EXPECT_EQ(Summary(), "0:本文目次|0:目 录（小四号）|13:第一章 绪论 . 1|13:第二章 方法|13:图1 结构 . 2|1:第一章 绪论|13:详见 . 5|1:第二章 方法|");
+  EXPECT_EQ(m_doc.ContentEntries(), (std::vector<int>{2, 3}));
 }
 
 // Captions that a SEQ field numbers or a caption style marks are captions,

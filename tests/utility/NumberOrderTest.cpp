@@ -100,6 +100,7 @@ const OrderCase kHeadings[] = {
     {"12月份计划", 0, N, N, 0, "", "", "", ""},
     {"2.5亿元的项目", 0, N, N, 0, "", "", "", ""},
     {"1.5倍的增长", 0, N, N, 0, "", "", "", ""},
+    {"3.2人力成本", 0, N, N, 0, "", "", "", ""},
     {"3.5%的增长率", 0, N, N, 0, "", "", "", ""},
     {"一带一路倡议", 0, N, N, 0, "", "", "", ""},
     {"十分重要的问题", 0, N, N, 0, "", "", "", ""},
@@ -116,6 +117,18 @@ const OrderCase kHeadings[] = {
     {"   ", 0, N, N, 0, "", "", "", ""},
     {"2023", 0, N, N, 0, "", "", "", ""},
     {"0. 零号", 0, N, N, 0, "", "", "", ""},
+};
+
+// In a paragraph known to be a heading a unit character after the number
+// makes no amount; what else refuses a number still does.
+const OrderCase kHeadingLines[] = {
+    {"3.2人力成本", 2, A, A, 2, "", ".", "", "3.2"},
+    {"2.3条件、假定和限制", 3, A, A, 2, "", ".", "", "2.3"},
+    {"3.人员", 3, A, N, 1, "", "", ".", "3."},
+    {"2023年工作总结", 0, N, N, 0, "", "", "", ""},
+    {"3D打印技术", 0, N, N, 0, "", "", "", ""},
+    {"12月份计划", 0, N, N, 0, "", "", "", ""},
+    {"1.2.3 方法", 3, A, A, 3, "", ".", "", "1.2.3"},
 };
 
 const OrderCase kFormulas[] = {
@@ -152,6 +165,10 @@ void ExpectCases(const OrderCase* pCases, size_t nCount, int nMode) {
 
 TEST(NumberOrderTest, HeadingsAndLookAlikes) {
   ExpectCases(kHeadings, sizeof(kHeadings) / sizeof(kHeadings[0]), kOrderHeading);
+}
+
+TEST(NumberOrderTest, HeadingLinesTakeNumbersGluedToUnits) {
+  ExpectCases(kHeadingLines, sizeof(kHeadingLines) / sizeof(kHeadingLines[0]), kOrderHeadingLine);
 }
 
 TEST(NumberOrderTest, FormulaIndexes) {
