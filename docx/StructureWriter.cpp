@@ -1,12 +1,11 @@
 #include "docx/StructureWriter.h"
 
-#include <json/json.h>
-
 #include <cstdio>
 
 #include "docx/Document.h"
 #include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
+#include "utility/JsonText.h"
 
 namespace {
 
@@ -37,8 +36,6 @@ void Line(tstring& sOut, const tstring& sText) {
 tstring Element(const char* sName, const tstring& sValue) {
   return tstring("<") + sName + ">" + sValue + "</" + sName + ">";
 }
-
-tstring Quote(const tstring& sText) { return Json::valueToQuotedString(sText.c_str()); }
 
 }  // namespace
 
@@ -156,11 +153,11 @@ tstring CStructureWriter::ParaJson(const _tParagraph& para, const _tParagraph* p
   const bool bPlaceholder = para.level == kLevelTable || para.level == kLevelFigure;
   const tstring& sText = bPlaceholder ? (pCaption ? pCaption->text : tstring()) : para.text;
   const tstring& sSegment = bPlaceholder ? (pCaption ? pCaption->segment_txt : tstring()) : para.segment_txt;
-  return "{\"paraId\": " + Quote(Hex(para.id)) + ", \"page_num\": " + std::to_string(para.page_num) +
-         ", \"font\": " + Quote(para.font) + ", \"fontSize\": " + std::to_string(para.font_size) +
+  return "{\"paraId\": " + JsonQuote(Hex(para.id)) + ", \"page_num\": " + std::to_string(para.page_num) +
+         ", \"font\": " + JsonQuote(para.font) + ", \"fontSize\": " + std::to_string(para.font_size) +
          ", \"line_space\": " + std::to_string(para.line_space) + ", \"numPtr\": " + std::to_string(para.numPtr) +
-         ", \"level\": " + std::to_string(para.level) + ", \"text\": " + Quote(sText) +
-         ", \"segment_text\": " + Quote(sSegment) + ", \"numLabel\": " + Quote(para.num_label) + "}";
+         ", \"level\": " + std::to_string(para.level) + ", \"text\": " + JsonQuote(sText) +
+         ", \"segment_text\": " + JsonQuote(sSegment) + ", \"numLabel\": " + JsonQuote(para.num_label) + "}";
 }
 
 tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
@@ -172,14 +169,14 @@ tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
     return s + "]";
   };
   std::vector<tstring> vecPages, vecFormulas, vecHeaders, vecFooters, vecContents, vecParas;
-  for (uint32_t nId : p.m_vecPageParaId) vecPages.push_back(Quote(Hex(nId)));
+  for (uint32_t nId : p.m_vecPageParaId) vecPages.push_back(JsonQuote(Hex(nId)));
   for (int nIndex : p.FormulaIndexes()) vecFormulas.push_back(std::to_string(nIndex));
   for (const _tParagraph& para : p.m_vecHeadFooter[0]) vecHeaders.push_back(ParaJson(para, nullptr));
   for (const _tParagraph& para : p.m_vecHeadFooter[1]) vecFooters.push_back(ParaJson(para, nullptr));
   for (int nIndex : p.ContentEntries()) vecContents.push_back(ParaJson(p.m_vecParagraph[nIndex], nullptr));
   for (const _tParagraph& para : p.m_vecParagraph) vecParas.push_back(ParaJson(para, CaptionOf(para)));
-  tstring s = "{\"docxPath\": " + Quote(ANSIToUTF8(p.m_sPath)) + ", \"docxFile\": " + Quote(ANSIToUTF8(p.m_sFilename)) +
-              ", \"format\": " + Quote(p.m_sDocFormatExt) + ", \"url_prefix\": " + Quote(p.m_sURLPrefix) +
+  tstring s = "{\"docxPath\": " + JsonQuote(ANSIToUTF8(p.m_sPath)) + ", \"docxFile\": " + JsonQuote(ANSIToUTF8(p.m_sFilename)) +
+              ", \"format\": " + JsonQuote(p.m_sDocFormatExt) + ", \"url_prefix\": " + JsonQuote(p.m_sURLPrefix) +
               ", \"pages_count\": " + std::to_string(p.m_vecPageParaId.size()) + ", \"pages_paraID\": " +
               fnList(vecPages) + ", \"formular_index\": " + fnList(vecFormulas) +
               ", \"SingleByteCharCount\": " + std::to_string(count.single_byte) +
@@ -210,7 +207,7 @@ tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
       bool bCaption = figure.caption_index != (unsigned)-1 && figure.caption_index < p.m_vecParagraph.size();
       vecFigures.push_back("{\"figureCaption\": " + (bCaption ? ParaJson(p.m_vecParagraph[figure.caption_index], nullptr) : tstring("null")) +
                            ", \"paraIndex\": " + std::to_string(figure.para_index) + ", \"figureFile\": " +
-                           Quote(figure.figure_file) + ", \"figureID\": " + Quote(figure.figure_id) + "}");
+                           JsonQuote(figure.figure_file) + ", \"figureID\": " + JsonQuote(figure.figure_id) + "}");
     }
     s += ", \"Tables\": {\"TableCount\": " + std::to_string(vecTables.size()) + ", \"Tables\": " + fnList(vecTables) +
          "}, \"Figures\": {\"FigureCount\": " + std::to_string(vecFigures.size()) + ", \"Figures\": " +

@@ -8,3 +8,9 @@
 
 // The value as text: indented by two blanks per level, or on one line.
 tstring JsonText(const Json::Value& value, bool bIndent = true);
+
+// A text as a JSON string, quotes included, for writers that keep their keys
+// in an order of their own: UTF-8 kept as it is, quote, backslash and
+// control characters escaped, a byte that is no valid UTF-8 written as
+// U+FFFD so that the result is always valid JSON.
+tstring JsonQuote(const tstring& sText);

@@ -1,9 +1,11 @@
 // Character counts, the normaliser and Chinese numerals.
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 
 #include "utility/ChineseNumber.h"
+#include "utility/JsonText.h"
 #include "utility/TextNormalizer.h"
 
 namespace {
@@ -36,6 +38,36 @@ TEST(TextTest, NormaliserRules) {
       {"\xff坏", "\xff坏"},
   };
   for (const auto& c : kCases) EXPECT_EQ(NormalizeText(c.szIn), c.szWant) << c.szIn;
+}
+
+TEST(TextTest, CompactTitlesIgnoreBlanks) {
+  EXPECT_EQ(CompactTitle(" 目\u3000录 "), "目录");
+  EXPECT_EQ(CompactTitle("参 考 文 献"), "参考文献");
+  EXPECT_EQ(CompactTitle("Table of Contents"), "TableofContents");
+}
+
+// Quoted texts are valid JSON that reads back as the text; Chinese stays
+// readable; a byte that is no UTF-8 becomes U+FFFD.
+TEST(TextTest, JsonQuoteWritesValidJson) {
+  struct { std::string sText, sWant, sReadBack; } kCases[] = {
+      {"", "\"\"", ""},
+      {"图 2-1", "\"图 2-1\"", "图 2-1"},
+      {"a\"b\\c", "\"a\\\"b\\\\c\"", "a\"b\\c"},
+      {"tab\tline\r\n", "\"tab\\tline\\r\\n\"", "tab\tline\r\n"},
+      {std::string("nul\0\x01", 5), "\"nul\\u0000\\u0001\"", std::string("nul\0\x01", 5)},
+      {"\xff坏\xe4\xb8", "\"\\uFFFD坏\\uFFFD\\uFFFD\"", "\uFFFD坏\uFFFD\uFFFD"},
+      {"😀", "\"😀\"", "😀"},
+  };
+  for (const auto& c : kCases) {
+    const std::string sQuoted = JsonQuote(c.sText);
+    EXPECT_EQ(sQuoted, c.sWant);
+    Json::Value value;
+    Json::CharReaderBuilder builder;
+    std::string sErrors;
+    std::unique_ptr<Json::CharReader> reader(builder.newCharReader());
+    ASSERT_TRUE(reader->parse(sQuoted.data(), sQuoted.data() + sQuoted.size(), &value, &sErrors)) << sQuoted;
+    EXPECT_EQ(value.asString(), c.sReadBack) << sQuoted;
+  }
 }
 
 TEST(TextTest, ChineseNumeralsBothWays) {
