@@ -118,7 +118,9 @@ TEST_F(DocFormatCheckTest, ANoteSaysWhenTheTemplateIsNotTheOrganisations) {
     auto it = std::find_if(m_result.GetFindings().begin(), m_result.GetFindings().end(),
                            [](const _tCheckResult& r) { return r.error_id == "15.9"; });
     EXPECT_EQ(it != m_result.GetFindings().end(), c.bNote) << c.szOrg;
-    if (it != m_result.GetFindings().end()) EXPECT_EQ(it->new_str, kDefaultTemplateNote);
+    if (it != m_result.GetFindings().end()) {
+      EXPECT_EQ(it->new_str, kDefaultTemplateNote);
+    }
   }
 }
 
