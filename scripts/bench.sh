@@ -38,6 +38,11 @@ done
 
 echo
 echo "== DOCX reading against python-docx and unzip, same file, same run"
+# -I: the source folder docx/ must not pass for the python module of that name.
+if ! /usr/bin/python3 -I -c 'import docx' 2>/dev/null || ! command -v unzip >/dev/null; then
+  echo "installing the reference readers (python3-docx, unzip)"
+  ${SUDO:-$( [ "$(id -u)" -ne 0 ] && echo sudo )} env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq python3-docx unzip > /dev/null
+fi
 /usr/bin/python3 scripts/make_report_docx.py "$work/report.docx"
 "$build/bench/tarvos_bench_docx" "$work/report.docx" | tee "$work/docx.out"
 /usr/bin/python3 bench/docx_reference.py "$work/report.docx" | tee "$work/ref.out"

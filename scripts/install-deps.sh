@@ -10,7 +10,7 @@ PACKAGES=(
   libcurl4-openssl-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libcli11-dev
-  python3-jieba python3-docx
+  python3-jieba
   libuchardet-dev
   libicu-dev
   binutils
