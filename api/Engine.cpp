@@ -113,11 +113,7 @@ void CEngine::Stop() {
   ZYG_Exit();
   m_pKeyScanner.reset();
   m_pZYGManager.reset();
-  {
-    std::vector<std::unique_ptr<CReportChecker>> vecDoomed;
-    std::lock_guard<std::mutex> lock(m_mutexTable);
-    vecDoomed.swap(m_vecReportChecker);
-  }
+  m_instances.Clear();
   m_pDocFormatChecker.reset();
   m_pError2Message.reset();
   m_pNum2FontSize.reset();
@@ -138,32 +134,19 @@ int CEngine::NewInstance() {
     SetLastError("Not Init, no operation!");
     return -1;
   }
-  std::unique_ptr<CReportChecker> pChecker(new CReportChecker(&m_services));
-  std::lock_guard<std::mutex> lock(m_mutexTable);
-  m_vecReportChecker.push_back(std::move(pChecker));
-  return (int)m_vecReportChecker.size() - 1;
+  return m_instances.Add(std::unique_ptr<CReportChecker>(new CReportChecker(&m_services)));
 }
 
 int CEngine::DeleteInstance(int handle) {
-  std::unique_ptr<CReportChecker> pDoomed;  // destroyed after the lock is released
-  std::lock_guard<std::mutex> lock(m_mutexTable);
-  if (handle < 0 || (size_t)handle >= m_vecReportChecker.size()) {
-    SetHandleError("DC_DeleteInstance  argument(handle %d) is invalid!", handle);
-    return 0;
-  }
-  pDoomed = std::move(m_vecReportChecker[handle]);
-  return 1;
+  if (m_instances.Remove(handle)) return 1;
+  SetHandleError("DC_DeleteInstance  argument(handle %d) is invalid!", handle);
+  return 0;
 }
 
-// Reads lock the table too: another thread may be appending, which can move
-// the vector's storage.
 CReportChecker* CEngine::GetReportCheckerWorker(int handle) const {
-  if (m_bStarted) {
-    std::lock_guard<std::mutex> lock(m_mutexTable);
-    if (handle >= 0 && (size_t)handle < m_vecReportChecker.size()) return m_vecReportChecker[handle].get();
-  }
-  SetHandleError("GetReportCheckerWorker  argument(handle %d) is invalid!", handle);
-  return nullptr;
+  CReportChecker* pChecker = m_bStarted ? m_instances.Get(handle) : nullptr;
+  if (pChecker == nullptr) SetHandleError("GetReportCheckerWorker  argument(handle %d) is invalid!", handle);
+  return pChecker;
 }
 
 tstring CEngine::InfoJson() const {
@@ -190,9 +173,6 @@ tstring CEngine::InfoJson() const {
   services["spelling_dictionaries"] = m_pSimDict && m_pSpellCheckDict;
   services["knowledge_log"] = m_fpKG != nullptr;
   services["country_detection"] = m_bCountryDetect;
-  std::lock_guard<std::mutex> lock(m_mutexTable);
-  size_t nLive = 0;
-  for (const auto& pChecker : m_vecReportChecker) nLive += pChecker != nullptr;
-  root["instances"] = (Json::UInt64)nLive;
+  root["instances"] = (Json::UInt64)m_instances.LiveCount();
   return JsonText(root);
 }

@@ -21,11 +21,10 @@
 // leave their reason as the last error.
 #include <cstdio>
 #include <memory>
-#include <mutex>
 #include <shared_mutex>
-#include <vector>
 
 #include "checker/CheckServices.h"
+#include "utility/HandleTable.h"
 #include "utility/TString.h"
 
 class CReportChecker;
@@ -100,6 +99,5 @@ class CEngine {
   bool m_bCountryDetect = false;  // country detection was started
 
   mutable std::shared_mutex m_rwServices;  // readers: checks; writer: service changes
-  mutable std::mutex m_mutexTable;         // guards m_vecReportChecker
-  std::vector<std::unique_ptr<CReportChecker>> m_vecReportChecker;  // handle -> instance; slots never reused
+  CHandleTable<CReportChecker> m_instances;
 };

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <memory>
 #include <mutex>
-#include <vector>
 
 #include "api/ApiGuard.h"
 #include "rules/ZYG.h"
@@ -12,6 +11,7 @@
 #include "utility/BufferManager.h"
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
+#include "utility/HandleTable.h"
 #include "utility/lexical/Lexical.h"
 
 namespace {
@@ -25,19 +25,20 @@ struct _tScanInstance {
   CBufferManager texts;        // its texts, one per call
 };
 
-std::mutex g_mutexZYG;                                  // guards everything below
-bool g_bZYGInit = false;                                // between ZYG_Init and ZYG_Exit
-tstring g_sZYGDataPath;                                 // data directory + "/Data/"
-std::vector<std::unique_ptr<_tScanInstance>> g_vecZYG;  // handle -> instance; deleted slots stay empty
+std::mutex g_mutexZYG;    // guards the two below
+bool g_bZYGInit = false;  // between ZYG_Init and ZYG_Exit
+tstring g_sZYGDataPath;   // data directory + "/Data/"
+CHandleTable<_tScanInstance> g_instancesZYG;
 
 _tScanInstance* GetZYGWorker(int handle) {
+  bool bInit;
   {
     std::lock_guard<std::mutex> lock(g_mutexZYG);
-    if (g_bZYGInit && handle >= 0 && (size_t)handle < g_vecZYG.size() && g_vecZYG[handle])
-      return g_vecZYG[handle].get();
+    bInit = g_bZYGInit;
   }
-  SetHandleError("GetZYGWorker  argument(handle %d) is invalid!", handle);
-  return nullptr;
+  _tScanInstance* pInstance = bInit ? g_instancesZYG.Get(handle) : nullptr;
+  if (pInstance == nullptr) SetHandleError("GetZYGWorker  argument(handle %d) is invalid!", handle);
+  return pInstance;
 }
 
 // The scanning of whole documents and text files comes with the extraction
@@ -57,9 +58,9 @@ extern "C" TARVOS_API int ZYG_Init(const char* sInitDirPath) {
       SetLastError("Error Init MORVEL from " + sDir);
       return -1;
     }
+    g_instancesZYG.Clear();
     {
       std::lock_guard<std::mutex> lock(g_mutexZYG);
-      g_vecZYG.clear();
       g_sZYGDataPath = sDir + "/Data/";
       g_bZYGInit = true;
     }
@@ -71,34 +72,32 @@ extern "C" TARVOS_API int ZYG_Init(const char* sInitDirPath) {
 extern "C" TARVOS_API void ZYG_Exit(void) {
   ApiGuardVoid(__func__, [](const char*) {
     QUENDA_Exit();
+    g_instancesZYG.Clear();
     std::lock_guard<std::mutex> lock(g_mutexZYG);
-    g_vecZYG.clear();
     g_bZYGInit = false;
   });
 }
 
 extern "C" TARVOS_API int ZYG_NewInstance(int nDocType) {
   return ApiGuard(__func__, -1, [=](const char*) {
-    std::lock_guard<std::mutex> lock(g_mutexZYG);
-    if (!g_bZYGInit) {
-      SetLastError("Not Init, no operation!");
-      return -1;
+    tstring sDataPath;
+    {
+      std::lock_guard<std::mutex> lock(g_mutexZYG);
+      if (!g_bZYGInit) {
+        SetLastError("Not Init, no operation!");
+        return -1;
+      }
+      sDataPath = g_sZYGDataPath;
     }
-    g_vecZYG.emplace_back(new _tScanInstance(new CZYG(g_sZYGDataPath.c_str(), nDocType)));
-    return (int)g_vecZYG.size() - 1;
+    return g_instancesZYG.Add(std::unique_ptr<_tScanInstance>(new _tScanInstance(new CZYG(sDataPath.c_str(), nDocType))));
   });
 }
 
 extern "C" TARVOS_API int ZYG_DeleteInstance(int handle) {
   return ApiGuard(__func__, 0, [=](const char*) {
-    std::unique_ptr<_tScanInstance> pDoomed;
-    std::lock_guard<std::mutex> lock(g_mutexZYG);
-    if (handle < 0 || (size_t)handle >= g_vecZYG.size()) {
-      SetHandleError("DC_DeleteInstance  argument(handle %d) is invalid!", handle);
-      return 0;
-    }
-    pDoomed = std::move(g_vecZYG[handle]);
-    return 1;
+    if (g_instancesZYG.Remove(handle)) return 1;
+    SetHandleError("DC_DeleteInstance  argument(handle %d) is invalid!", handle);
+    return 0;
   });
 }
 
