@@ -1,7 +1,6 @@
 #include "docx/Document.h"
 
-#include <strings.h>
-
+#include "docx/PaperStructure.h"
 #include "utility/NumberOrder.h"
 #include "utility/TextNormalizer.h"
 
@@ -11,9 +10,8 @@ namespace {
 bool NamesReferences(const tstring& sText) {
   _tSection_Info info;
   ExtractOrder(sText, kOrderHeading, info);
-  tstring sTitle = CompactTitle(sText.substr(sText.find(info.text) == 0 ? info.text.size() : 0));
-  return sTitle == "参考文献" || strcasecmp(sTitle.c_str(), "References") == 0 ||
-         strcasecmp(sTitle.c_str(), "Bibliography") == 0;
+  const tstring sTitle = CompactTitle(sText.substr(sText.find(info.text) == 0 ? info.text.size() : 0));
+  return CPaperStructure::CaptionLevel(sTitle) == kReferenceCaption;
 }
 
 }  // namespace

@@ -2,18 +2,12 @@
 
 #include <strings.h>
 
-#include <algorithm>
+#include <initializer_list>
 #include <cstring>
 
 #include "utility/TextNormalizer.h"
 
 namespace {
-
-tstring Compact(const tstring& sText) {
-  tstring s = NormalizeText(sText);
-  s.erase(std::remove(s.begin(), s.end(), ' '), s.end());
-  return s;
-}
 
 bool StartsWith(const tstring& s, const char* szPrefix, bool bNoCase = false) {
   const size_t n = strlen(szPrefix);
@@ -26,8 +20,9 @@ bool Is(const tstring& s, std::initializer_list<const char*> names, bool bNoCase
   return false;
 }
 
-// The level a paragraph's text names; 0 for none.
-int CaptionLevel(const tstring& s) {
+}  // namespace
+
+int CPaperStructure::CaptionLevel(const tstring& s) {
   if (Is(s, {"摘要", "中文摘要", "摘要:"})) return kAbstractCaptionCn;
   if (Is(s, {"Abstract", "Abstract:"}, true)) return kAbstractCaptionEn;
   if (StartsWith(s, "关键词") || StartsWith(s, "关键字")) return kKeywordCn;
@@ -40,6 +35,8 @@ int CaptionLevel(const tstring& s) {
   if (StartsWith(s, "导师") || StartsWith(s, "指导教师")) return kSupervisor;
   return 0;
 }
+
+namespace {
 
 // The level of the paragraphs that follow a caption.
 int BlockLevel(int nCaption) {
@@ -61,7 +58,7 @@ void CPaperStructure::Classify(std::vector<_tParagraph>& vecParagraph) {
       if (para.level > 1 && para.level <= 4) nBlock = 0;
       continue;
     }
-    const tstring s = Compact(para.text);
+    const tstring s = CompactTitle(para.text);
     const int nLevel = s.size() <= 80 ? CaptionLevel(s) : 0;
     if (nLevel != 0) {
       para.level = nLevel;

@@ -32,6 +32,9 @@ enum EPaperLevel {
 class CPaperStructure {
  public:
   static bool IsThesis(int nReportType) { return nReportType == 4 || nReportType == 6; }
+  // The level a title names ("摘要", "参考文献", "致谢"...), given as
+  // CompactTitle makes it; 0 for none.
+  static int CaptionLevel(const tstring& sCompactTitle);
   // Gives the front- and back-matter paragraphs their levels.
   static void Classify(std::vector<_tParagraph>& vecParagraph);
 };
