@@ -201,7 +201,8 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
   if (const char* pChange = FindIn(pStart, pHead, "<w:pPrChange")) pHead = pChange;
   tstring sValue, sStyleId;
   if (FindAttr(pStart, pHead, "w:line", sValue)) para.line_space = ToInt(sValue);
-  if (FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue)) para.numPtr = ToInt(sValue);
+  int nOwnNumId = -1;  // none of its own; numPtr may yet come from the style
+  if (FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue)) para.numPtr = nOwnNumId = ToInt(sValue);
   if (FindElementAttr(pStart, pHead, "w:pStyle", "w:val", sStyleId)) para.level = StyleID2Level(sStyleId);
   if (para.level == 0 && FindElementAttr(pStart, pHead, "w:outlineLvl", "w:val", sValue) && !sValue.empty() &&
       sValue[0] >= '0' && sValue[0] <= '3')
@@ -224,7 +225,7 @@ void CDocxParser::ExtractParagrah(const char* pStart, const char* pEnd, _tParagr
   // The empty paragraph that closes a section shows no number: a word
   // processor leaves it out of the count.
   if (!para.text.empty() || FindIn(pStart, pHead, "<w:sectPr") == nullptr)
-    para.num_label = NumberLabel(pStart, pHead, sStyleId);
+    para.num_label = NumberLabel(nOwnNumId, pStart, pHead, sStyleId);
   // An entry of a contents field or style is one even without a page number;
   // the title the field often starts in is not.
   if (para.level == 0 && (para.kinds & kKindInContents) && !(para.kinds & kKindFigureList) && !NamesContents(para.text))
@@ -282,18 +283,19 @@ unsigned SeqKind(const tstring& sInstruction) {
   return kKindSeqOther;
 }
 
+// What a field makes of the paragraph it stands in: a contents entry, an
+// entry of a list of figures, a numbered caption.
+unsigned FieldKinds(const tstring& sInstruction) {
+  const tstring sName = FieldName(sInstruction);
+  if (sName == "TOC") return sInstruction.find("\\c") != tstring::npos ? kKindFigureList : kKindInContents;
+  return sName == "SEQ" ? SeqKind(sInstruction) : 0;
+}
+
 }  // namespace
 
-// What the fields open around a paragraph make of it: a contents entry, an
-// entry of a list of figures, a numbered caption.
+// The fields open around a paragraph, from earlier paragraphs.
 void CDocxParser::NoteField(_tParagraph& para) const {
-  for (const tstring& sInstruction : m_vecField) {
-    const tstring sName = FieldName(sInstruction);
-    if (sName == "TOC")
-      para.kinds |= sInstruction.find("\\c") != tstring::npos ? kKindFigureList : kKindInContents;
-    else if (sName == "SEQ")
-      para.kinds |= SeqKind(sInstruction);
-  }
+  for (const tstring& sInstruction : m_vecField) para.kinds |= FieldKinds(sInstruction);
 }
 
 void CDocxParser::ReadNumbering(const CDocxPackage& package) {
@@ -311,10 +313,9 @@ void CDocxParser::ReadNumbering(const CDocxPackage& package) {
 // the style's away), else its style's; the level is the paragraph's ilvl,
 // else the level the numbering links to the style, else the style's ilvl,
 // else 0.
-tstring CDocxParser::NumberLabel(const char* pStart, const char* pHead, const tstring& sStyleId) {
+tstring CDocxParser::NumberLabel(int nNumId, const char* pStart, const char* pHead, const tstring& sStyleId) {
   if (!m_pCounter) return "";
   tstring sValue;
-  int nNumId = FindElementAttr(pStart, pHead, "w:numId", "w:val", sValue) ? ToInt(sValue) : -1;
   int nIlvl = FindElementAttr(pStart, pHead, "w:ilvl", "w:val", sValue) ? ToInt(sValue) : -1;
   auto it = m_mapStyleNumbering.find(sStyleId);
   if (nNumId < 0 && it != m_mapStyleNumbering.end()) nNumId = it->second.first;
@@ -335,10 +336,7 @@ void CDocxParser::NoteSimpleFields(const char* pStart, const char* pEnd, _tParag
     const char* pGt = static_cast<const char*>(memchr(q, '>', (size_t)(pEnd - q)));
     tstring sInstruction;
     if (!FindAttr(q, pGt ? pGt : pEnd, "w:instr", sInstruction)) continue;
-    sInstruction = DecodeEntities(sInstruction);
-    const tstring sName = FieldName(sInstruction);
-    if (sName == "SEQ") para.kinds |= SeqKind(sInstruction);
-    if (sName == "TOC") para.kinds |= sInstruction.find("\\c") != tstring::npos ? kKindFigureList : kKindInContents;
+    para.kinds |= FieldKinds(DecodeEntities(sInstruction));
   }
 }
 
@@ -420,8 +418,10 @@ void CDocxParser::ExtractRunMark(const char* q, const char* pRunEnd, _tParagraph
     const char* pClose = FindIn(q, pRunEnd, "</w:instrText>");
     if (pGt && pClose && pGt < pClose) {
       const tstring sInstruction = DecodeEntities(pGt + 1, pClose);
-      if (!m_vecField.empty()) m_vecField.back() += sInstruction;
-      NoteField(para);
+      if (!m_vecField.empty()) {  // the outer fields were noted already
+        m_vecField.back() += sInstruction;
+        para.kinds |= FieldKinds(m_vecField.back());
+      }
       if (!bPageRef) bPageRef = sInstruction.find("PAGEREF") != tstring::npos;
     }
   } else if (!bImage && nLeft > 16 && memcmp(q, "<v:imagedata r:i", 16) == 0) {

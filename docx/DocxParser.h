@@ -101,7 +101,8 @@ class CDocxParser {
   void ExtractTable(const char* pStart, const char* pEnd);
   void ExtractStyles(const CDocxPackage& package);
   void ReadNumbering(const CDocxPackage& package);
-  tstring NumberLabel(const char* pStart, const char* pHead, const tstring& sStyleId);
+  // nOwnNumId: the numId of the paragraph's own properties, -1 for none.
+  tstring NumberLabel(int nOwnNumId, const char* pStart, const char* pHead, const tstring& sStyleId);
   static unsigned StyleKinds(const tstring& sName);
   void ResolveStyleLinks(const std::map<tstring, _tStyleLink>& mapLinks);
   void ReadResInfo(const CDocxPackage& package);
