@@ -168,7 +168,6 @@ tstring CDocImporter::ImportDocx(CDocument& doc, const char* sDocxFilename, cons
   if (sDocx.empty()) return "";
   doc.m_sDocFormatExt = sExt;
   if (ParseDocx(doc, sDocx.c_str(), sURLPrefix, nType) < 0) return "";
-  doc.m_sDocFormatExt = sExt;
   return CStructureWriter::WriteStructureFile(doc, nResultFormat);
 }
 

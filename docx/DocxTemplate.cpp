@@ -258,7 +258,6 @@ bool CDocxTemplate::MakeRecord(int reportType, const char* sOrganization, const 
   record.organization = sOrganization ? sOrganization : "";
   record.area = sArea ? sArea : "";
   record.argu = sArgu ? sArgu : "";
-  if (!m_bDirty) Data2Org();
   tstring sText;
   CDocFormat format;
   if (sTemplateFile == nullptr ||
@@ -281,6 +280,7 @@ bool CDocxTemplate::MakeRecord(int reportType, const char* sOrganization, const 
 int CDocxTemplate::ImportTemplate(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
                                   const char* sTemplateFile) {
   int nFound = FindTemplate(reportType, sOrganization, sArea, sArgu, true);
+  if (!m_bDirty) Data2Org();
   _tTemplateOrg record;
   if (!MakeRecord(reportType, sOrganization, sArea, sArgu, sTemplateFile, record)) return -1;
   if (nFound >= 0 && (size_t)nFound < m_vecTemplateOrg.size()) {
@@ -312,8 +312,7 @@ int CDocxTemplate::EditTemplate(int nTemplateID, int reportType, const char* sOr
 }
 
 int CDocxTemplate::DeleteTemplate(int nTemplateID) {
-  if (nTemplateID < 0 || (size_t)nTemplateID >= m_nTemplateCount || m_pTemplateList[nTemplateID].reportType < 0)
-    return -1;
+  if (!IsLive(nTemplateID)) return -1;
   m_pTemplateList[nTemplateID].reportType = -1;
   m_bDirty = true;
   Data2Org();

@@ -108,6 +108,7 @@ class CDocxTemplate {
   bool ReadIndex(const tstring& sFile);
   std::vector<int32_t> List(int64_t nList) const;
   bool IsLive(int nTemplateID) const;
+  // Writes the template text of a sample DOCX; the caller has brought m_vecTemplateOrg up to date.
   bool MakeRecord(int reportType, const char* sOrganization, const char* sArea, const char* sArgu,
                   const char* sTemplateFile, _tTemplateOrg& record);
   tstring File(const char* sName) const { return m_sDataPath + sName; }
