@@ -1,33 +1,19 @@
 #include "docx/NumberingCounter.h"
 
-#include <algorithm>
-#include <cctype>
 #include <climits>
 #include <cstring>
 
 #include "utility/ChineseNumber.h"
+#include "utility/NumberOrder.h"
 #include "utility/Utf8.h"
 
 namespace {
 
 const int kMaxLetterValue = 26 * 30;  // 30 letters long at most
-const int kMaxRomanValue = 3999;
 
 tstring Letters(int nValue, char cA) {
   if (nValue < 1 || nValue > kMaxLetterValue) return std::to_string(nValue);
   return tstring((size_t)((nValue - 1) / 26 + 1), (char)(cA + (nValue - 1) % 26));
-}
-
-tstring Roman(int nValue, bool bUpper) {
-  if (nValue < 1 || nValue > kMaxRomanValue) return std::to_string(nValue);
-  static const struct { int value; const char* text; } kParts[] = {
-      {1000, "M"}, {900, "CM"}, {500, "D"}, {400, "CD"}, {100, "C"}, {90, "XC"}, {50, "L"},
-      {40, "XL"},  {10, "X"},   {9, "IX"},  {5, "V"},    {4, "IV"},  {1, "I"}};
-  tstring sOut;
-  for (const auto& part : kParts)
-    for (; nValue >= part.value; nValue -= part.value) sOut += part.text;
-  if (!bUpper) std::transform(sOut.begin(), sOut.end(), sOut.begin(), [](char c) { return (char)tolower(c); });
-  return sOut;
 }
 
 // Each decimal digit as a character of its own: 〇一二 or full-width digits.
@@ -96,11 +82,11 @@ tstring FormatListNumber(int nValue, const tstring& sFmt) {
   if (sFmt == "bullet" || sFmt == "none") return "";
   if (nValue < 0) return std::to_string(nValue);
   if (sFmt == "decimalZero") return (nValue < 10 ? "0" : "") + std::to_string(nValue);
-  if (sFmt == "decimalFullWidth" || sFmt == "decimalFullWidth2") return DigitByDigit(nValue, U"０１２３４５６７８９");
+  if (sFmt == "decimalFullWidth" || sFmt == "decimalFullWidth2") return RenderNumber(nValue, kStyleFullWidthArabic);
   if (sFmt == "upperLetter") return Letters(nValue, 'A');
   if (sFmt == "lowerLetter") return Letters(nValue, 'a');
-  if (sFmt == "upperRoman") return Roman(nValue, true);
-  if (sFmt == "lowerRoman") return Roman(nValue, false);
+  if (sFmt == "upperRoman") return RenderNumber(nValue, kStyleUpperRoman);
+  if (sFmt == "lowerRoman") return RenderNumber(nValue, kStyleLowerRoman);
   if (sFmt == "chineseCounting") return ChineseCounting(nValue, false);
   if (sFmt == "chineseCountingThousand") return ChineseCounting(nValue, true);
   if (sFmt == "ideographDigital") return DigitByDigit(nValue, U"〇一二三四五六七八九");
@@ -109,8 +95,8 @@ tstring FormatListNumber(int nValue, const tstring& sFmt) {
   if (sFmt == "ideographTraditional") return FromList(nValue, kStems, 10);
   if (sFmt == "ideographZodiac") return FromList(nValue, kBranches, 12);
   if (sFmt == "ideographZodiacTraditional") return Sexagenary(nValue);
-  if (sFmt == "decimalEnclosedCircle" || sFmt == "decimalEnclosedCircleChinese") return FromRun(nValue, 0x2460, 20);
-  if (sFmt == "decimalEnclosedParen") return FromRun(nValue, 0x2474, 20);
+  if (sFmt == "decimalEnclosedCircle" || sFmt == "decimalEnclosedCircleChinese") return RenderNumber(nValue, kStyleCircled);
+  if (sFmt == "decimalEnclosedParen") return RenderNumber(nValue, kStyleParenArabic);
   if (sFmt == "decimalEnclosedFullstop") return FromRun(nValue, 0x2488, 20);
   if (sFmt == "ordinal") return Ordinal(nValue);
   return std::to_string(nValue);
