@@ -99,8 +99,7 @@ bool Item(const char* p, const char* pEnd, const char* sName, bool bJson, tstrin
   // A key is a quoted name followed by ':'; the same text as a value is not one.
   tstring sKey = tstring("\"") + sName + "\"";
   const char* q = nullptr;
-  for (const char* pKey = p; (pKey = static_cast<const char*>(memmem(pKey, (size_t)(pEnd - pKey), sKey.data(), sKey.size())));
-       ++pKey) {
+  for (const char* pKey = FindIn(p, pEnd, sKey.c_str()); pKey; pKey = FindIn(pKey + 1, pEnd, sKey.c_str())) {
     q = pKey + sKey.size();
     while (q < pEnd && (*q == ' ' || *q == '\t' || *q == '\r' || *q == '\n')) ++q;
     if (q < pEnd && *q == ':') break;
@@ -165,6 +164,20 @@ void _tCheckResult::input(const char* pRecord, bool bJson) {
   if (Item(pRecord, pEnd, "text", bJson, s)) text = s;
   if (Item(pRecord, pEnd, "field", bJson, s)) field_id = FieldFromName(s);
   if (Item(pRecord, pEnd, "revisetype", bJson, s)) revise_type = ReviseFromLetter(s);
+}
+
+void CCheckResult::AddOnParagraph(const _tParagraph& para, const char* szErrorId, int nField, int nReviseType,
+                                  const tstring& sOrg, const tstring& sNew) {
+  _tCheckResult result;
+  result.para_id = para.id;
+  result.page_num = para.page_num;
+  result.text = para.text;
+  result.error_id = szErrorId;
+  result.field_id = nField;
+  result.revise_type = nReviseType;
+  result.org_str = sOrg;
+  result.new_str = sNew;
+  AddResult(result);
 }
 
 void CCheckResult::AddResult(_tCheckResult& result) {

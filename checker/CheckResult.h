@@ -14,6 +14,7 @@
 
 class CDocument;
 class CID2Message;
+struct _tParagraph;
 
 // The keys a template is chosen by: the organisation handed to the check
 // ("*" when none), and "*" for area and argument.
@@ -67,6 +68,9 @@ class CCheckResult {
   // Admits one finding: trims trailing blanks of org_str, drops an empty
   // font finding and a replacement by the same text, fills the message.
   void AddResult(_tCheckResult& result);
+  // Admits a finding on a whole paragraph (offset 0): its id, page and text.
+  void AddOnParagraph(const _tParagraph& para, const char* szErrorId, int nField, int nReviseType,
+                      const tstring& sOrg, const tstring& sNew);
   // Sorts, removes duplicates and counts per error id and per chapter.
   // Findings at one place are ordered by field, error id and texts too, so
   // that equal findings always end up next to each other.

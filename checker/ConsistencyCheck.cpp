@@ -54,8 +54,6 @@ int KindOf(const _tParagraph& para) {
   return -1;
 }
 
-bool IsLatinName(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }
-
 // One property of the paragraphs of one kind: its values, each with the
 // paragraphs that have it.
 struct _tPropertyGroup {
@@ -92,17 +90,15 @@ struct _tProperty {
 }  // namespace
 
 int CConsistencyCheck::Check(const CDocument& doc, CCheckResult& result) const {
-  static const CNum2FontSize s_points;  // no table: sizes in points
-  const CNum2FontSize& sizes = m_pSizeNames ? *m_pSizeNames : s_points;
   const _tProperty kProperties[] = {
       {"15.1", 0,
        [](const _tParagraph& p, tstring& sGroup) {
-         sGroup = IsLatinName(p.font) ? "latin" : "cjk";
+         sGroup = IsLatinFontName(p.font) ? "latin" : "cjk";
          return p.font;
        },
        [](const tstring& s) { return s; }},
       {"15.2", 1, [](const _tParagraph& p, tstring&) { return p.font_size > 0 ? std::to_string(p.font_size) : ""; },
-       [&sizes](const tstring& s) { return sizes.GetName(atoi(s.c_str())); }},
+       [this](const tstring& s) { return FontSizeName(m_pSizeNames, atoi(s.c_str())); }},
       {"15.3", 4, [](const _tParagraph& p, tstring&) { return p.line_space > 0 ? std::to_string(p.line_space) : ""; },
        [](const tstring& s) { return std::to_string(atoi(s.c_str()) / 20); }},
   };
@@ -122,19 +118,12 @@ int CConsistencyCheck::Check(const CDocument& doc, CCheckResult& result) const {
     for (const auto& group : mapGroups) {
       const tstring* pMajority = group.second.Majority();
       if (pMajority == nullptr) continue;
+      const tstring sMajority = property.fnShow(*pMajority);
       for (const auto& kv : group.second.mapValue2Paras) {
         if (kv.first == *pMajority) continue;
+        const tstring sShown = property.fnShow(kv.first);
         for (const _tParagraph* pPara : kv.second) {
-          _tCheckResult finding;
-          finding.para_id = pPara->id;
-          finding.page_num = pPara->page_num;
-          finding.text = pPara->text;
-          finding.error_id = property.szErrorId;
-          finding.field_id = property.nField;
-          finding.revise_type = 1;
-          finding.org_str = property.fnShow(kv.first);
-          finding.new_str = property.fnShow(*pMajority);
-          result.AddResult(finding);
+          result.AddOnParagraph(*pPara, property.szErrorId, property.nField, 1, sShown, sMajority);
           ++nAdded;
         }
       }

@@ -9,7 +9,7 @@
 #include "utility/ErrorLog.h"
 
 CDocFormatCheck::CDocFormatCheck(const char* sDataPath, const CNum2FontSize* pSizeNames)
-    : m_pDocTemplate(new CDocxTemplate(sDataPath)), m_pSizeNames(pSizeNames), m_sDataPath(sDataPath ? sDataPath : "") {}
+    : m_pDocTemplate(new CDocxTemplate(sDataPath)), m_pSizeNames(pSizeNames) {}
 
 int CDocFormatCheck::Check(CDocument& doc, CCheckResult& result, int nReportType, const _tTemplateKeys& keys) const {
   CFormatCheckRun(doc, result, nReportType).Run();

@@ -69,5 +69,4 @@ class CDocFormatCheck {
 
   std::unique_ptr<CDocxTemplate> m_pDocTemplate;  // the template store
   const CNum2FontSize* m_pSizeNames;              // not owned; may be null
-  tstring m_sDataPath;                            // data directory the store lives in
 };

@@ -92,7 +92,6 @@ void CFormatCheckRun::ScanChapter() {
     info.para_id = para.id;
     vecChapters.push_back(info);
   }
-  m_doc.SetChapters({}, {});
   CSectionOrderCheck(m_doc, m_result).CheckPartOrder(vecChapters, 1, 1);
   std::vector<int> vecParaIndex, vecChapterId;
   for (const _tSection_Info& info : vecChapters) {

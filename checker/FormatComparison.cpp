@@ -36,10 +36,9 @@ const K* Heaviest(const std::map<K, int>& mapWeights, bool (*fnTake)(const K&, c
 
 bool AnyKey(const int&, const int&) { return true; }
 
-// Font names of one script class: both start with an ASCII byte, or both with
-// the first byte of a multi-byte character.
+// Font names of one script class: both Latin names or both Chinese ones.
 bool SameScript(const tstring& sFont, const tstring& sProbe) {
-  return !sFont.empty() && !sProbe.empty() && ((unsigned char)sFont[0] >= 128) == ((unsigned char)sProbe[0] >= 128);
+  return !sFont.empty() && !sProbe.empty() && IsLatinFontName(sFont) == IsLatinFontName(sProbe);
 }
 
 // The numbering found in a paragraph when its style is not the pattern's,
@@ -64,10 +63,7 @@ bool NumberingDiffers(const _tParagraph& para, const _tSection_Format& pattern, 
 CFormatComparison::CFormatComparison(const CDocFormat& format, const CNum2FontSize* pSizeNames)
     : m_format(format), m_pSizeNames(pSizeNames), m_vecMet(format.m_pDict ? format.m_pDict->GetCount() : 0, false) {}
 
-tstring CFormatComparison::SizeName(int nHalfPoints) const {
-  static const CNum2FontSize s_points;  // no table: sizes in points
-  return (m_pSizeNames ? *m_pSizeNames : s_points).GetName(nHalfPoints);
-}
+tstring CFormatComparison::SizeName(int nHalfPoints) const { return FontSizeName(m_pSizeNames, nHalfPoints); }
 
 int CFormatComparison::CheckFormatOnParagraph(const _tParagraph& para, CCheckResult& result) {
   if (IsSkipped(para)) return 1;
@@ -75,17 +71,7 @@ int CFormatComparison::CheckFormatOnParagraph(const _tParagraph& para, CCheckRes
     if (nId >= 0 && (size_t)nId < m_vecMet.size()) m_vecMet[nId] = true;
   const _tFormat& format = m_format.FormatOfLevel(para.level);
   auto fnAdd = [&](const char* szErrorId, int nField, const tstring& sOrg, const tstring& sNew) {
-    _tCheckResult finding;
-    finding.para_id = para.id;
-    finding.page_num = para.page_num;
-    finding.text = para.text;
-    finding.offset = 0;
-    finding.revise_type = 1;
-    finding.error_id = szErrorId;
-    finding.field_id = nField;
-    finding.org_str = sOrg;
-    finding.new_str = sNew;
-    result.AddResult(finding);
+    result.AddOnParagraph(para, szErrorId, nField, 1, sOrg, sNew);
   };
   if (para.line_space != 0 && para.level >= 0 && para.level <= 4 && !format.mapLineSpace2Freq.empty() &&
       !format.mapLineSpace2Freq.count(para.line_space))

@@ -31,8 +31,6 @@ enum EInstanceText {
   kTextImportDoc,      // ImportDoc: the structure file's path
   kTextRevise,         // ReviseReportF
   kTextTemplateInfo,   // GetCurTemplateInfo
-  kTextScanMem,        // CheckMem (ZYG_ScanTextMem)
-  kTextKnowledge,      // ExtractKnowledge
 };
 
 class CReportChecker {

@@ -65,16 +65,7 @@ bool HasTypeCode(const tstring& s) {
 
 void CSectionOrderCheck::Add(const _tParagraph& para, const char* szErrorId, const tstring& sOrg, const tstring& sNew,
                              int nReviseType) {
-  _tCheckResult result;
-  result.para_id = para.id;
-  result.page_num = para.page_num;
-  result.text = para.text;
-  result.error_id = szErrorId;
-  result.field_id = 2;
-  result.revise_type = nReviseType;
-  result.org_str = sOrg;
-  result.new_str = sNew;
-  m_result.AddResult(result);
+  m_result.AddOnParagraph(para, szErrorId, 2, nReviseType, sOrg, sNew);
 }
 
 const _tParagraph* CSectionOrderCheck::ParagraphWithId(uint32_t nParaId) const {
@@ -107,8 +98,7 @@ void CSectionOrderCheck::CheckPartOrder(std::vector<_tSection_Info>& vecParts, i
     int& nExpected = mapWant.emplace(sSeries, bPart ? 1 : nFirst).first->second;
     size_t& nSince = mapSince.emplace(sSeries, 0).first->second;
     const _tParagraph* pPara = ParagraphWithId(part.para_id);
-    _tParaIndex place;
-    const size_t nIndex = m_doc.GetParaIndex(part.para_id, place) && place.table_index < 0 ? place.para_index : 0;
+    const size_t nIndex = pPara ? (size_t)(pPara - m_doc.m_vecParagraph.data()) : 0;
     // A contract attaches the annexes of its list that apply ("附件7",
     // "附件9"); a chapter may run on from the text before it.
     if (part.order > nExpected && (bAnnex || RunsOnFromText(nIndex, nSince, part))) nExpected = part.order;
@@ -230,12 +220,12 @@ bool CSectionOrderCheck::RunsOnFromText(size_t nIndex, size_t nScopeStart, const
 bool CSectionOrderCheck::IsCaptionShaped(const _tParagraph& para, const _tSection_Info& info) {
   if (para.HasSeqField() || (para.kinds & kKindCaptionStyle)) return true;
   // The number of a caption follows the word for what it captions.
-  static const char* const kCaptionWords[] = {"图", "表", "附图", "附表", "Figure", "Fig", "Table"};
+  static const char* const kCaptionWords[] = {"图", "表", "Fig", "Table"};  // "Fig" covers "Figure"
   bool bCaptionWord = false;
   for (const char* szWord : kCaptionWords)
     if (strncasecmp(info.prefix.c_str(), szWord, strlen(szWord)) == 0) bCaptionWord = true;
   if (!bCaptionWord) return false;
-  const tstring sSeen = para.NumberedText();
+  const tstring& sSeen = info.sample;  // the text as the reader sees it, where the number was found
   const size_t nNumber = sSeen.find(info.text);
   if (nNumber == tstring::npos) return false;
   const tstring sAfter = sSeen.substr(nNumber + info.text.size());

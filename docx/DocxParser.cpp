@@ -20,8 +20,6 @@ namespace {
 
 const uint32_t kNoId = 0xFFFFFFFFu;  // "-1": take the offset of the paragraph
 
-bool IsAsciiFont(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }
-
 // The title above a table of contents; a note in brackets after it (as
 // templates give how the title is to look) is no part of it.
 bool NamesContents(const tstring& sText) {
@@ -455,7 +453,7 @@ void CDocxParser::StoreFigure(_tFigure figure, const _tParagraph& para) {
 
 void CDocxParser::ExtractFont(const char* pStart, const char* pEnd, _tParagraph& para, const tstring& sStyleId,
                               bool bInStyle) {
-  if (!para.font.empty() && !IsAsciiFont(para.font) && para.font_size >= 1) return;
+  if (!para.font.empty() && !IsLatinFontName(para.font) && para.font_size >= 1) return;
   tstring sValue;
   if (FindElementAttr(pStart, pEnd, "w:sz", "w:val", sValue))
     para.font_size = ToInt(sValue);
@@ -466,9 +464,9 @@ void CDocxParser::ExtractFont(const char* pStart, const char* pEnd, _tParagraph&
   // Font names come from "<w:rFonts>" only: "<w:lang w:eastAsia=\"zh-CN\">"
   // names a language, not a font.
   for (const char* sAttr : {"w:eastAsia", "w:ascii", "w:hAnsi"}) {
-    if (!para.font.empty() && !IsAsciiFont(para.font)) break;
+    if (!para.font.empty() && !IsLatinFontName(para.font)) break;
     if (!FindElementAttr(pStart, pEnd, "w:rFonts", sAttr, sValue) || sValue.empty()) continue;
-    if (para.font.empty() || !IsAsciiFont(sValue)) para.font = sValue;
+    if (para.font.empty() || !IsLatinFontName(sValue)) para.font = sValue;
   }
   if (para.font_size == 0) {
     auto it = m_mapStyleId2Style.find(sStyleId);

@@ -31,6 +31,10 @@ enum EParaKind : unsigned {
   kKindSeqOther = 1u << 5,      // holds another SEQ field (equations, ...)
 };
 
+// A font name of the Latin script class ("Times New Roman"), as against a
+// Chinese one ("宋体"): it starts with an ASCII byte.
+inline bool IsLatinFontName(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }
+
 struct _tParagraph {
   uint32_t id = 0;        // byte offset of the "p" of its "<w:p" in word/document.xml
   tstring font;           // font name of its runs (a Chinese name wins)

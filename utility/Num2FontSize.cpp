@@ -72,3 +72,8 @@ int CNum2FontSize::GetSize(const tstring& sName) const {
   }
   return -1;
 }
+
+tstring FontSizeName(const CNum2FontSize* pSizes, int nHalfPoints) {
+  static const CNum2FontSize s_points;
+  return (pSizes ? *pSizes : s_points).GetName(nHalfPoints);
+}

@@ -35,3 +35,6 @@ class CNum2FontSize {
   std::map<int, tstring> m_mapSize2Name;  // half-points -> Chinese name
   std::map<tstring, int> m_mapName2Size;  // Chinese name -> half-points
 };
+
+// A size's name in the table, or in points ("13磅") when there is no table.
+tstring FontSizeName(const CNum2FontSize* pSizes, int nHalfPoints);
