@@ -1,7 +1,5 @@
 #include "api/Engine.h"
 
-#include <unistd.h>
-
 #include <new>
 
 #include "api/Globals.h"
@@ -14,17 +12,13 @@
 #include "utility/CodeTrans.h"
 #include "utility/CountryDetect.h"
 #include "utility/ErrorLog.h"
+#include "utility/FileUtil.h"
 #include "utility/JsonText.h"
 #include "utility/Num2FontSize.h"
 #include "utility/QueryExpand.h"
 #include "utility/lexical/Lexical.h"
 
 namespace {
-
-tstring ReadWorkingDirectory() {
-  char sBuffer[1000];
-  return getcwd(sBuffer, sizeof(sBuffer)) ? tstring(sBuffer) : tstring();
-}
 
 // NULL or "" is the working directory; a path starting with "." is taken
 // relative to it; anything else is used as given. No slash is added or removed.
@@ -41,7 +35,7 @@ CEngine::CEngine() = default;
 CEngine::~CEngine() { Stop(); }
 
 int CEngine::Start(const char* sInitDirPath) {
-  m_sDefaultDir = ReadWorkingDirectory();
+  m_sDefaultDir = CurrentDirectory();
   m_bStarted = false;
   m_sDataDir = ResolveDataDir(sInitDirPath, m_sDefaultDir);
   m_services.switches = _tCheckSwitches();

@@ -8,7 +8,8 @@
 // reads them (a check, a template look-up) holds ReadLock for its whole run;
 // every call that changes one (template and rule editing, dictionary and
 // catalogue imports) holds WriteLock. So an import waits for running checks
-// and a check sees each service wholly before or wholly after a change.
+// and a check sees each service wholly before or wholly after a change;
+// checks that start while an import waits wait for it. Locks never nest.
 // Each instance is used by one thread at a time; different instances run on
 // different threads at once and give exactly the results of a sequential run.
 //
@@ -21,11 +22,13 @@
 // leave their reason as the last error.
 #include <cstdio>
 #include <memory>
+#include <mutex>
 #include <shared_mutex>
 
 #include "checker/CheckServices.h"
 #include "utility/HandleTable.h"
 #include "utility/TString.h"
+#include "utility/WriterFirstLock.h"
 
 class CReportChecker;
 
@@ -53,8 +56,8 @@ class CEngine {
   const tstring& GetDefaultDir() const { return m_sDefaultDir; }  // working directory at Start
 
   // REQUIRES: not held already by this thread (the locks do not nest).
-  std::shared_lock<std::shared_mutex> ReadLock() const { return std::shared_lock<std::shared_mutex>(m_rwServices); }
-  std::unique_lock<std::shared_mutex> WriteLock() const { return std::unique_lock<std::shared_mutex>(m_rwServices); }
+  std::shared_lock<CWriterFirstLock> ReadLock() const { return std::shared_lock<CWriterFirstLock>(m_rwServices); }
+  std::unique_lock<CWriterFirstLock> WriteLock() const { return std::unique_lock<CWriterFirstLock>(m_rwServices); }
 
   // A new checking instance; its handle, or -1 with "Not Init, no
   // operation!" when the engine is not started.
@@ -98,6 +101,6 @@ class CEngine {
   FILE* m_fpKG = nullptr;  // "KnowGraph.txt", opened for appending
   bool m_bCountryDetect = false;  // country detection was started
 
-  mutable std::shared_mutex m_rwServices;  // readers: checks; writer: service changes
+  mutable CWriterFirstLock m_rwServices;  // readers: checks; writer: service changes
   CHandleTable<CReportChecker> m_instances;
 };

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "cli/DataDir.h"
 #include "cli/ResultSummary.h"
@@ -46,13 +44,6 @@ std::vector<std::string> ExpandInputs(const std::vector<std::string>& vecInputs)
     vecFiles.insert(vecFiles.end(), vecFolder.begin(), vecFolder.end());
   }
   return vecFiles;
-}
-
-std::string ReadText(const std::string& sPath) {
-  std::ifstream in(sPath, std::ios::binary);
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
 }
 
 // The file a check wrote its result to: "<name>_Check.xml" or ".json" beside
@@ -143,7 +134,7 @@ int RunCheck(const std::string& sDataDir, const _tCheckOptions& options, std::os
     const std::string sResultFile = ResultFileOf(sFile, options.json);
     if (options.json) out << sResult;
     _tResultSummary result;
-    if (!ReadResultSummary(options.json ? sResult : ReadText(sResultFile), result)) {
+    if (!ReadResultSummary(options.json ? sResult : ReadOutputFile(sResultFile), result)) {
       err << "tarvos: " << sFile << ": the result cannot be read back from " << sResultFile << "\n";
       ++nFailed;
       continue;

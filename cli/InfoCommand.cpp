@@ -66,7 +66,8 @@ int RunInfo(const std::string& sDataDir, std::ostream& out, std::ostream& err) {
   Json::Value info;
   Json::CharReaderBuilder builder;
   JSONCPP_STRING sErrors;
-  std::istringstream in(TARVOS_GetEngineInfo());
+  const char* sInfo = TARVOS_GetEngineInfo();
+  std::istringstream in(sInfo ? sInfo : "");
   if (!Json::parseFromStream(builder, in, &info, &sErrors)) {
     err << "tarvos: the engine's description cannot be read: " << sErrors << "\n";
     TARVOS_Exit();

@@ -3,6 +3,7 @@
 #include <json/json.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <sstream>
 
 namespace {
@@ -85,4 +86,11 @@ bool ReadResultSummary(const std::string& sResult, _tResultSummary& summary) {
   } catch (const Json::Exception&) {  // a value of another type than the result format gives it
     return false;
   }
+}
+
+std::string ReadOutputFile(const std::string& sPath) {
+  std::ifstream in(sPath, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  return text.str();
 }

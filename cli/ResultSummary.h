@@ -26,3 +26,6 @@ struct _tResultSummary {
 // Fills summary from a result text, JSON or XML. False when the text is
 // neither or lacks the statistics.
 bool ReadResultSummary(const std::string& sResult, _tResultSummary& summary);
+
+// The whole text of a file the engine wrote; "" when it cannot be read.
+std::string ReadOutputFile(const std::string& sPath);

@@ -2,10 +2,9 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "cli/DataDir.h"
+#include "cli/ResultSummary.h"
 #include "tarvos.h"
 
 namespace {
@@ -34,10 +33,8 @@ int RunStruct(const std::string& sDataDir, const std::string& sFile, bool bJson,
   const std::string sResult = std::filesystem::path(sPath).lexically_normal().string();
   TARVOS_Exit();
   out << sResult << std::endl;  // before the counts on standard error
-  std::ifstream in(sResult, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  err << CountIn(text.str(), "ParaCount") << " paragraphs, " << CountIn(text.str(), "TableCount") << " tables, "
-      << CountIn(text.str(), "FigureCount") << " figures\n";
+  const std::string sText = ReadOutputFile(sResult);
+  err << CountIn(sText, "ParaCount") << " paragraphs, " << CountIn(sText, "TableCount") << " tables, "
+      << CountIn(sText, "FigureCount") << " figures\n";
   return 0;
 }

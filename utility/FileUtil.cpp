@@ -5,7 +5,6 @@
 
 #include <fstream>
 #include <sstream>
-#include <vector>
 
 bool WriteFileReplacing(const tstring& sFilename, const std::function<bool(FILE*)>& fnWrite) {
   if (sFilename.empty()) return false;
@@ -38,24 +37,6 @@ tstring CurrentDirectory() {
 tstring AbsolutePath(const tstring& sPath) {
   if (sPath.empty() || sPath[0] == '/') return sPath;
   return CurrentDirectory() + "/" + sPath;
-}
-
-tstring NormalPath(const tstring& sPath) {
-  std::vector<tstring> vecParts;
-  size_t nStart = 0;
-  while (nStart <= sPath.size()) {
-    size_t nSlash = sPath.find('/', nStart);
-    if (nSlash == tstring::npos) nSlash = sPath.size();
-    tstring sPart = sPath.substr(nStart, nSlash - nStart);
-    if (sPart == ".." && !vecParts.empty() && vecParts.back() != ".." && !vecParts.back().empty())
-      vecParts.pop_back();
-    else if (sPart != "." && (!sPart.empty() || vecParts.empty()))
-      vecParts.push_back(sPart);
-    nStart = nSlash + 1;
-  }
-  tstring sOut;
-  for (size_t i = 0; i < vecParts.size(); ++i) sOut += (i ? "/" : "") + vecParts[i];
-  return sOut.empty() ? tstring(sPath.empty() ? "" : ".") : sOut;
 }
 
 bool ReadFileText(const tstring& sPath, tstring& sText) {

@@ -32,7 +32,3 @@ tstring CurrentDirectory();
 // sPath made absolute against the working directory (unchanged when it is
 // absolute already); "" stays "".
 tstring AbsolutePath(const tstring& sPath);
-
-// sPath with "." and "folder/.." steps removed ("/a/b_unzip/../c" -> "/a/c");
-// purely textual, no link is followed.
-tstring NormalPath(const tstring& sPath);
