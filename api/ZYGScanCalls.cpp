@@ -1,14 +1,19 @@
 // The scanning calls of the rule engine: numbered rule-set instances that
 // scan texts and documents, with their own table, mutex and texts. Each
-// instance keeps the latest text of each call.
+// instance keeps the latest text of its scans. A scan makes its own agent,
+// so scans on different instances run at once.
 #include <cstdio>
 #include <memory>
 #include <mutex>
 
 #include "api/ApiGuard.h"
+#include "docx/DocImporter.h"
+#include "docx/Document.h"
 #include "rules/ZYG.h"
+#include "rules/ZYGAgent.h"
 #include "tarvos.h"
 #include "utility/BufferManager.h"
+#include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
 #include "utility/HandleTable.h"
@@ -41,12 +46,25 @@ _tScanInstance* GetZYGWorker(int handle) {
   return pInstance;
 }
 
-// The scanning of whole documents and text files comes with the extraction
-// agent; until then each call names what is missing.
-const char* ScanMissing(const char* sFn, const char* sArgument, const char* sValue, int handle) {
-  if (GetZYGWorker(handle) == nullptr || !ArgGiven(sFn, sArgument, sValue)) return "";
-  ServiceMissing("the extraction agent (CZYGAgent)");
-  return "";
+// Scans with a fresh agent on the instance's rule set and keeps its text.
+template <class F>
+const char* Scan(_tScanInstance* pInstance, bool bDebug, F&& fnScan) {
+  CZYGAgent agent(pInstance->pZYG.get());
+  agent.SetDebug(bDebug);
+  return pInstance->texts.Keep(kScanText, fnScan(agent));
+}
+
+// Reads a document (a DOCX, a structure file or a text) and scans it whole.
+const char* ScanFile(_tScanInstance* pInstance, const char* sFile, int nDocType, bool bDebug) {
+  CDocument doc;
+  std::shared_ptr<CLexicalAnalyser> pAnalyser = QUENDA_Analyser();
+  CDocImporter importer(pAnalyser.get());
+  if (importer.ImportFile(doc, sFile, "", nDocType, 0) != 1) return "";
+  // Results go beside the document, as those of a check do.
+  tstring sBase = doc.m_sPath.empty() ? tstring(sFile) : doc.m_sPath + "/../" + doc.m_sFilename;
+  size_t nDot = sBase.find_last_of("./");
+  if (doc.m_sPath.empty() && nDot != tstring::npos && sBase[nDot] == '.') sBase.erase(nDot);
+  return Scan(pInstance, bDebug, [&](CZYGAgent& agent) { return agent.ScanDoc(&doc, sBase, 0, bDebug); });
 }
 
 }  // namespace
@@ -89,7 +107,9 @@ extern "C" TARVOS_API int ZYG_NewInstance(int nDocType) {
       }
       sDataPath = g_sZYGDataPath;
     }
-    return g_instancesZYG.Add(std::unique_ptr<_tScanInstance>(new _tScanInstance(new CZYG(sDataPath.c_str(), nDocType))));
+    std::unique_ptr<CZYG> pZYG(new CZYG(sDataPath.c_str(), nDocType));
+    pZYG->Load();  // a type without rules scans with none
+    return g_instancesZYG.Add(std::unique_ptr<_tScanInstance>(new _tScanInstance(pZYG.release())));
   });
 }
 
@@ -113,26 +133,35 @@ extern "C" TARVOS_API const char* ZYG_ScanText(const char* sText, int nParaId, i
   return ApiGuard<const char*>(__func__, "", [=](const char* sFn) -> const char* {
     _tScanInstance* pInstance = GetZYGWorker(handle);
     if (!pInstance || !ArgGiven(sFn, "sText", sText)) return "";
-    tstring sResult;
-    return pInstance->pZYG->ScanText(sText, nParaId, sResult) ? pInstance->texts.Keep(kScanText, sResult) : "";
+    return Scan(pInstance, false, [&](CZYGAgent& agent) {
+      agent.ScanText(sText, (uint32_t)nParaId);
+      return agent.GetResult();
+    });
   });
 }
 
-extern "C" TARVOS_API const char* ZYG_ScanDocXML(const char* sDocXML, bool, int handle) {
+extern "C" TARVOS_API const char* ZYG_ScanDocXML(const char* sDocXML, bool bDebug, int handle) {
   return ApiGuard<const char*>(__func__, "", [=](const char* sFn) {
-    return ScanMissing(sFn, "sDocXML", sDocXML, handle);
+    _tScanInstance* pInstance = GetZYGWorker(handle);
+    if (!pInstance || !ArgGiven(sFn, "sDocXML", sDocXML)) return "";
+    return ScanFile(pInstance, GetAnsiFilename(sDocXML).c_str(), pInstance->pZYG->GetId(), bDebug);
   });
 }
 
-extern "C" TARVOS_API const char* ZYG_ScanDoc(const char* sDocFile, int, bool, int handle) {
+extern "C" TARVOS_API const char* ZYG_ScanDoc(const char* sDocFile, int nDocType, bool bDebug, int handle) {
   return ApiGuard<const char*>(__func__, "", [=](const char* sFn) {
-    return ScanMissing(sFn, "sDocFile", sDocFile, handle);
+    _tScanInstance* pInstance = GetZYGWorker(handle);
+    if (!pInstance || !ArgGiven(sFn, "sDocFile", sDocFile)) return "";
+    return ScanFile(pInstance, GetAnsiFilename(sDocFile).c_str(), nDocType, bDebug);
   });
 }
 
-extern "C" TARVOS_API const char* ZYG_ScanTextFile(const char* sTextFile, bool, int handle) {
+extern "C" TARVOS_API const char* ZYG_ScanTextFile(const char* sTextFile, bool bDebug, int handle) {
   return ApiGuard<const char*>(__func__, "", [=](const char* sFn) {
-    return ScanMissing(sFn, "sTextFile", sTextFile, handle);
+    _tScanInstance* pInstance = GetZYGWorker(handle);
+    if (!pInstance || !ArgGiven(sFn, "sTextFile", sTextFile)) return "";
+    tstring sFile = GetAnsiFilename(sTextFile);
+    return Scan(pInstance, bDebug, [&](CZYGAgent& agent) { return agent.ScanTextFile(sFile, 0, bDebug); });
   });
 }
 

@@ -8,12 +8,14 @@
 #include "docx/Document.h"
 #include "keyscan/KeyScanner.h"
 #include "reviser/DocReviser.h"
+#include "rules/Audit.h"
+#include "rules/ZYGAgent.h"
+#include "rules/ZYGManager.h"
 #include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
 #include "utility/JsonText.h"
 
 namespace {
-const char kAuditAgent[] = "the rule-engine audit (CAuditAgent)";
 const char kXmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
 }  // namespace
 
@@ -59,14 +61,14 @@ const char* CReportChecker::GetCurTemplateInfo() {
   return Keep(kTextTemplateInfo, JsonText(root));
 }
 
-int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization, bool /*bDebug*/) {
+int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization, bool bDebug) {
   m_nReportType = nType;
   m_sOrganization = sOrgnization ? sOrgnization : "";
   m_nResultFormat = nResultFormat;
   m_pCheckResult->Reset();
-  // The rule-engine audit and its knowledge results come with the audit
-  // agent; until then the check goes on without them.
   m_sKGResult.clear();
+  const CZYG* pRules = m_pServices->pRuleManager ? RuleSet(nType) : nullptr;
+  if (pRules) ExtractFacts(*pRules, bDebug);
   const _tCheckSwitches& switches = m_pServices->switches;
   if (switches.bFormatCheck && m_pServices->pFormatChecker)
     m_pServices->pFormatChecker->Check(*m_pDocument, *m_pCheckResult, m_nReportType,
@@ -75,18 +77,45 @@ int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization
   return 1;
 }
 
-const char* CReportChecker::CheckMem(const char* /*sLine*/, int nType, int /*rule_id*/) {
+const CZYG* CReportChecker::RuleSet(int nType) const {
+  if (m_pServices->pRuleManager == nullptr) {
+    SetLastError("g_pZYGManager not init!");
+    return nullptr;
+  }
+  const CAudit* pAudit = m_pServices->pRuleManager->GetProcesser(nType);
+  return pAudit ? pAudit->GetZYG() : nullptr;
+}
+
+void CReportChecker::ExtractFacts(const CZYG& rules, bool bDebug) {
+  CZYGAgent agent(&rules, m_pServices->pAnalyser);
+  agent.SetPunctuationCheck(m_pServices->switches.bPunctionCheck);
+  tstring sBase = m_pDocument->m_sPath.empty() ? "" : m_pDocument->m_sPath + "/../" + m_pDocument->m_sFilename;
+  agent.ScanDoc(m_pDocument.get(), sBase, m_nResultFormat, bDebug);
+  m_sKGResult = agent.GetKGResult();
+  m_sSingleKeyResult = agent.GetSingleKeyResult();
+  m_sEntityKeyResult = agent.GetEntityResult();
+  m_sTupleResult = agent.GetTupleResult();
+  for (_tCheckResult finding : agent.GetFindings()) m_pCheckResult->AddResult(finding);
+}
+
+const char* CReportChecker::CheckMem(const char* sLine, int nType, int rule_id) {
   m_nReportType = nType;
   m_pCheckResult->Reset();
-  ServiceMissing(kAuditAgent);
-  return nullptr;
+  const CZYG* pRules = RuleSet(nType);
+  if (pRules == nullptr) return nullptr;
+  CZYGAgent agent(pRules, m_pServices->pAnalyser);
+  m_sResult = agent.ScanTextMem(sLine ? sLine : "", rule_id);
+  return m_sResult.c_str();
 }
 
 const char* CReportChecker::ExtractKnowledge(int nType, int /*nResultFormat*/) {
   m_nReportType = nType;
   m_pCheckResult->Reset();
-  ServiceMissing("knowledge extraction (CAuditAgent::ExtractKnowledge)");
-  return nullptr;
+  const CZYG* pRules = RuleSet(nType);
+  if (pRules == nullptr) return nullptr;
+  CZYGAgent agent(pRules, m_pServices->pAnalyser);
+  agent.ScanDoc(m_pDocument.get(), "", 1, false);
+  return Keep(kTextExtractKnowledge, agent.GetKnowledgeJsonStr());
 }
 
 int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int nTemplateID) {

@@ -16,6 +16,7 @@
 #include "utility/TString.h"
 
 class CCheckResult;
+class CZYG;
 class CDocReviser;
 class CDocument;
 struct _tParagraph;
@@ -31,6 +32,7 @@ enum EInstanceText {
   kTextImportDoc,      // ImportDoc: the structure file's path
   kTextRevise,         // ReviseReportF
   kTextTemplateInfo,   // GetCurTemplateInfo
+  kTextExtractKnowledge,  // ExtractKnowledge: the knowledge JSON
 };
 
 class CReportChecker {
@@ -50,15 +52,19 @@ class CReportChecker {
   // The template keys of the current document as JSON.
   const char* GetCurTemplateInfo();
 
-  // Runs every check over the imported document, in order: rule-engine audit,
-  // format check (when switched on), error-word check (when switched on),
-  // HTML rendering. Returns 1.
+  // Runs every check over the imported document, in order: the rule set of
+  // the type (its values become the knowledge texts, its punctuation
+  // findings join the results; the audit rules are not built yet), format
+  // check (when switched on), error-word check (when switched on), HTML
+  // rendering. Returns 1.
   int Check(int nType, int nResultFormat, const char* sOrgnization, bool bDebug);
 
-  // One rule over one line of text. Null when it cannot run.
+  // One rule over one line of text: the matches as XML. Null when the type
+  // has no rule set.
   const char* CheckMem(const char* sLine, int nType, int rule_id);
 
-  // Knowledge extraction over the imported document.
+  // Knowledge extraction over the imported document: every value, tuple,
+  // table and single key as JSON. Null when the type has no rule set.
   const char* ExtractKnowledge(int nType, int nResultFormat);
 
   // Format check again from a saved result. Returns 1; -1 on failure.
@@ -97,6 +103,10 @@ class CReportChecker {
   const CBufferManager& GetBufferManager() const { return *m_pBufManager; }
 
  private:
+  // The rule set of a document type; null with the reason as last error.
+  const CZYG* RuleSet(int nType) const;
+  // Scans the document with the type's rule set and keeps its knowledge texts.
+  void ExtractFacts(const CZYG& rules, bool bDebug);
   const char* Keep(EInstanceText eSlot, const tstring& sText) { return m_pBufManager->Keep(eSlot, sText); }
   // A fresh findings collection on the services' catalogue.
   std::unique_ptr<CCheckResult> NewCheckResult() const;

@@ -8,6 +8,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
 #include "cli/StructCommand.h"
+#include "cli/RulesCommand.h"
 #include "cli/TemplateCommand.h"
 
 int main(int argc, char** argv) {
@@ -71,7 +72,39 @@ int main(int argc, char** argv) {
     pSub->add_option("--data", sData, "data directory");
   }
 
+  _tRulesOptions rules;
+  CLI::App* pRules = app.add_subcommand("rules", "import, list, show, add and delete extraction rules");
+  pRules->require_subcommand(1);
+  auto fnRuleSub = [&](const char* szName, const char* szHelp) {
+    CLI::App* pSub = pRules->add_subcommand(szName, szHelp);
+    pSub->add_option("--type", rules.type, "document type (default 1)");
+    pSub->add_option("--data", sData, "data directory");
+    return pSub;
+  };
+  CLI::App* pRuleImport = fnRuleSub("import", "import XML <item> rules into a type's rule set");
+  pRuleImport->add_option("file", rules.file, "the rule file")->required();
+  pRuleImport->add_flag("--overwrite", rules.overwrite, "replace the type's rules instead of adding");
+  fnRuleSub("list", "the rules of a type as JSON");
+  fnRuleSub("show", "one rule as JSON")->add_option("id", rules.id, "rule index")->required();
+  fnRuleSub("add", "add a rule given as JSON")->add_option("json", rules.file, "the rule")->required();
+  fnRuleSub("delete", "delete a rule by index")->add_option("id", rules.id, "rule index")->required();
+
+  int nExtractType = 1;
+  bool bExtractJson = false;
+  CLI::App* pExtract = app.add_subcommand("extract", "print the facts a type's rules find in a document");
+  pExtract->add_option("file", sFile, "the document")->required();
+  pExtract->add_option("--type", nExtractType, "document type (default 1)");
+  pExtract->add_flag("--json", bExtractJson, "print the values as JSON");
+  pExtract->add_option("--data", sData, "data directory");
+
   CLI11_PARSE(app, argc, argv);
+
+  if (pRules->parsed()) {
+    rules.action = pRules->get_subcommands().front()->get_name();
+    return RunRules(ChooseDataDir(sData), rules, std::cout, std::cerr);
+  }
+  if (pExtract->parsed())
+    return RunExtract(ChooseDataDir(sData), sFile, nExtractType, bExtractJson, std::cout, std::cerr);
 
   if (pCheck->parsed()) {
     check.json = sFormat == "json";

@@ -1,6 +1,7 @@
 #pragma once
 // CAudit is the audit processor of one document type: its rule set and its
-// audit rules. Audit rules are not built yet: a processor opens empty.
+// audit rules. Audit rules are not built yet: a processor loads its rule set
+// and has no audit rules.
 #include <memory>
 
 #include "rules/ZYG.h"
@@ -14,8 +15,11 @@ class CAudit {
   CAudit(const CAudit&) = delete;  // owns the rule set
   CAudit& operator=(const CAudit&) = delete;
 
-  // Loads the type's audit rules. Returns 1 (an absent rule file is an empty set).
-  int Load() { return 1; }
+  // Loads the type's rule set. Returns 1 (an absent rule file is an empty set).
+  int Load() {
+    m_pZYG->Load();
+    return 1;
+  }
 
   int GetType() const { return m_nType; }
   CZYG* GetZYG() const { return m_pZYG.get(); }

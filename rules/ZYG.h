@@ -64,9 +64,12 @@ class CZYG {
   // Writes the rules as XML items to "ZYG_<type>.export.txt". 1 or -1.
   int Export();
 
-  // Imports XML items; with bOverwrite the set is cleared first. Returns the
-  // number of rules added; -1 when the text cannot be read or a rule is
-  // refused (the set is then left as it was). Saves the set when it has files.
+  // Imports XML items; with bOverwrite the set is cleared first. An item
+  // that is broken or refused is left out (written to the error log, the
+  // last refusal kept as the last error) and the others are imported.
+  // Returns the number of rules added; -1 when the file cannot be read,
+  // every item was refused or the set cannot be saved (then it is left as it
+  // was). Saves the set when it has files.
   int ImportRule(const char* sXMLFile, bool bOverwrite);
   int ImportRuleFromMem(const char* pText, bool bOverwrite);
 
@@ -83,7 +86,7 @@ class CZYG {
   // Tables.
   static int GetActionId(const tstring& sName);  // -1 when unknown
   static const char* GetActionStr(int nId);       // "" when out of range
-  int GetFieldId(const tstring& sName);           // adds a key for a new key name
+  int GetFieldId(const tstring& sName) const;     // -1 for an unknown name
   tstring GetFieldStr(int nId) const;
 
   // Splits an attribute expression "attribute|display name" (blanks around
@@ -137,9 +140,14 @@ class CZYG {
   int GetRuleIndex(const tstring& sNo) const;
   // Compiles after an edit and saves; on failure restores vecOld.
   int Commit(std::vector<_tRuleOrg>& vecOld);
+  // The editable form of a compiled rule.
+  bool Rule2Org(const _tRule& rule, _tRuleOrg& org) const;
+  bool Knowledge2Org();
+  bool CheckLoaded() const;
   void ClearCompiled();
   void SetDefaultKeys();
   int AddTerm(const tstring& sWord);
+  int AddField(const tstring& sName);  // a key name becomes a key
   int AddAttribute(const tstring& sExpr);
   bool CompileRule(const _tRuleOrg& org, _tRule& rule, std::vector<tstring>& vecUserWords);
   void ImportUserWords(const std::vector<tstring>& vecWords, bool bWriteFile);

@@ -7,19 +7,33 @@
 // An agent is used by one thread; the rule set is only read, so any number
 // of agents may scan with the same rule set at once.
 //
-// (The decisions the matching leaves open are written down in ZYGAgent.cpp,
-// where they are made.)
+// De-duplication: within one scanned text a rule is reported once per
+// first and one-past-last token of its match, however many of its terms led
+// to it; an extracted value (paragraph, offset, key, value, rule) is
+// recorded once per agent; entities, triples and single key values once.
+//
+// (The other decisions the matching leaves open are written down in
+// ZYGAgent.cpp, where they are made.)
+#include <array>
 #include <map>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include <json/json.h>
 
+#include "checker/CheckResult.h"
 #include "rules/ZYGRecords.h"
 #include "utility/TString.h"
 
 class CZYG;
 class CDocument;
 class CLexicalAnalyser;
+struct _tParagraph;
+struct _tRule;
+struct _tTable;
+struct _tKnowledge;
+struct _tBlock;
 struct _tZYGIndexData;
 
 class CZYGAgent {
@@ -36,13 +50,24 @@ class CZYGAgent {
   // offset. Returns the number of matches.
   int ScanText(const tstring& sText, uint32_t nParaId, int nLevel = 0, int nFieldID = -1,
                int nRuleIDSelected = -1, int nOffsetStart = 0);
+  // Scans words that are already segmented: pairs of word and tag ("/n";
+  // the leading '/' is added when missing). The text is the words joined,
+  // with a blank only between two ASCII neighbours, so offsets count in it.
+  // Otherwise exactly ScanText: for fixtures and callers with their own
+  // segmentation. Returns the number of matches.
+  int ScanWords(const std::vector<std::pair<tstring, tstring>>& vecWordPos, uint32_t nParaId, int nLevel = 0,
+                int nFieldID = -1, int nRuleIDSelected = -1, int nOffsetStart = 0);
   // One rule over one line; returns the matches as XML (see GetResult).
   const tstring& ScanTextMem(const tstring& sLine, int rule_id);
   // A text file, one paragraph a line; results written beside it. The
   // matches as XML; "" with "Failed open file <name>" when unreadable.
   const tstring& ScanTextFile(const tstring& sFilename, int format, bool bDebug);
   // Every part of a document; results written beside sBaseName (the
-  // document's name without extension; "" writes nothing).
+  // document's name without extension; "" writes nothing). Starts with
+  // Reset and ends with ScanRules; returns the matches as XML (format 0)
+  // or every value as JSON (format 1, GetKnowledgeJsonStr). ScanTextFile
+  // does the same for a text file; its paragraph ids are the lines' byte
+  // offsets in the file.
   const tstring& ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int format, bool bDebug);
   // The second pass: rules of key fields over the values found so far.
   void ScanRules();
@@ -75,7 +100,113 @@ class CZYGAgent {
   const CZYG* GetZYG() const { return m_pZYG; }
   void SetDebug(bool bDebug) { m_bDebug = bDebug; }
 
+  // Spelling and punctuation findings ("1.5.3", "99.3", "99.4", "99.5") of
+  // the paragraphs scanned while the switch is on (default on), and the
+  // findings of the revising actions "insert", "update" and "delete".
+  void SetPunctuationCheck(bool bOn) { m_bPunctuationCheck = bOn; }
+  const std::vector<_tCheckResult>& GetFindings() const { return m_vecFindings; }
+
+  // What the writers read besides the getters above.
+  const std::vector<_tEntityAttrVal>& GetEntityAttrVals() const { return m_vecEntityVal; }
+  const std::vector<_tHeadRelTail>& GetHeadRelTails() const { return m_vecHeadRelTail; }
+  const std::vector<_tKeyVal>& GetNamedEntityValues() const { return m_vecKeyValNamedEntity; }
+  const std::vector<_tTableArgument>& GetTableArguments() const { return m_vecTableArguments; }
+  const std::vector<_tKeyVal>& GetDuringDates() const { return m_vecDuringDate; }
+  const std::vector<_tKeyVal>& GetEndingDates() const { return m_vecEndingDate; }
+  // The debug trace: one object per scanned text ("original", "segment",
+  // "process", "debug"); filled only in debug mode, cleared by Reset.
+  const Json::Value& GetDebugTrace() const { return m_jsonDebug; }
+
  private:
+  // What one scan may try: the paragraph's level, the field restriction
+  // (-1: the mask below), the rule restriction, which fields up to the first
+  // key field the text stands for (bit f: field f), and whether the
+  // spelling and punctuation findings are wanted for it.
+  struct _tScope {
+    int nLevel = 0;
+    int nFieldID = -1;
+    int nRuleID = -1;
+    uint32_t nFieldMask = 0xFFF;
+    bool bCheck = true;
+  };
+  // Where a match lies: the first and one-past-last token, per grid.
+  struct _tMatchSpan {
+    int nStart = -1;
+    int nEnd = -1;
+    std::vector<std::pair<int, int>> vecGrids;
+  };
+  // Per rule, computed once: the keys of its arguments, their display
+  // names, and how many tokens a match can span at most.
+  struct _tRuleInfo {
+    bool bReady = false;
+    std::vector<int> vecArgKeys;
+    std::vector<tstring> vecArgNames;
+    std::vector<std::array<uint8_t, 9>> vecArgRoles;
+    int nReach = 0;
+  };
+  // Source byte range of each byte of the normalised text.
+  struct _tSourceRange {
+    uint32_t nBegin;
+    uint32_t nEnd;
+  };
+
+  int ScanTextScoped(const tstring& sText, uint32_t nParaId, const _tScope& scope, int nOffsetStart);
+  int ScanPrepared(const tstring& sOriginal, uint32_t nParaId, const _tScope& scope, int nOffsetStart);
+  void Normalise(const tstring& sText);
+  void AddToken(const tstring& sWord, const tstring& sPos, int nOffset);
+  void DumpTokens(uint32_t nParaId);
+  void ComputeMarkup();
+  bool Eligible(const _tRule& rule, int nRule, const _tScope& scope) const;
+  bool SkipListHolds(const _tZYGIndexData& data) const;
+  bool MatchRule(int nToken, const _tZYGIndexData& data, _tZYG_Result& result, _tMatchSpan& span);
+  int LocateFirstToken(const _tKnowledge& knowledge, const _tZYGIndexData& data, int nReach);
+  int MatchKnowledge(const _tKnowledge& knowledge, int nStart, int nReach, _tZYG_Result& result,
+                     _tMatchSpan& span);
+  int MatchGrid(const _tKnowledge& knowledge, size_t nGrid, int nToken, int nMax, int nHardEnd,
+                _tZYG_Result& result, int& nGridStart);
+  bool MatchBlock(const _tBlock& block, int nToken);
+  void ReadResultFromRule(const _tRule& rule, _tZYG_Result& result) const;
+  tstring JoinWords(int nFrom, int nTo) const;
+  int TokenOffset(int nToken) const;
+  int TokenEnd(int nToken) const;
+  const _tRuleInfo& RuleInfo(int nRule);
+  int ComputeReach(const _tRule& rule) const;
+  tstring BlockStr(const _tBlock& block) const;
+
+  void AddResult(_tZYG_Result& result, const _tMatchSpan& span);
+  void ApplyAction(_tZYG_Result& result, const _tMatchSpan& span);
+  void AddSelected(_tZYG_Result& result, const tstring& sValue, int nOffset, uint32_t nParaId = 0) const;
+  void ConvertData(_tZYG_Result& result) const;
+  void ExtractParagraphData(_tZYG_Result& result) const;
+  void ExtractBetweenData(_tZYG_Result& result, const _tMatchSpan& span) const;
+  void ExtractByValueExtractor(_tZYG_Result& result, const _tMatchSpan& span);
+  void ExtractSectionData(_tZYG_Result& result) const;
+  void ExtractTitleData(_tZYG_Result& result) const;
+  void ExtractFormatData(_tZYG_Result& result) const;
+  void ExtractTableData(_tZYG_Result& result);
+  void AddRevision(const _tZYG_Result& result);
+  void RecordKeyValues(const _tZYG_Result& result);
+  void RecordKnowledgeGraph(const _tZYG_Result& result);
+  bool AddKeyVal(const _tKeyVal& keyVal);
+
+  void GenerateAll();
+  void GenerateTuple(int nRule);
+  void GenerateDate(int nRule);
+  void GenerateSingleKey(int nRule);
+  tstring ParaTextAround(int nByte) const;
+  std::vector<int> ElementKeys(const _tRule& rule) const;
+  void AddDateValue(const char* szKey, const tstring& sValue, const _tKeyVal& from, std::vector<_tKeyVal>* pList);
+
+  void ScanTable(size_t nTable);
+  void ScanTableKeys(size_t nTable, const std::vector<int>& vecColKeys, const std::vector<int>& vecRowKeys,
+                     const std::vector<tstring>& vecRules);
+  void AddTableArguments(size_t nTable);
+  tstring CurrentSection(tstring& sNo, tstring& sName) const;
+  void FinishScan(const tstring& sBaseName, int format);
+  void PunctuationCheck(const tstring& sOriginal, uint32_t nParaId);
+  void AddFinding(const tstring& sOriginal, uint32_t nParaId, size_t nOffset, size_t nLength, const char* szId,
+                  const char* szMsg, int nReviseType, const tstring& sNew);
+
   const CZYG* m_pZYG;
   const CLexicalAnalyser* m_pAnalyser;
   tstring m_sMatchProcess;
@@ -111,4 +242,26 @@ class CZYGAgent {
   std::vector<_tKeyTable> m_vecTable;
   std::vector<_tTableArgument> m_vecTableArguments;
   const CDocument* m_pDocxParser = nullptr;
+
+  // Scan state beyond the records above.
+  uint32_t m_nParaId = 0;                   // paragraph being scanned
+  int m_nOffsetStart = 0;                   // added to every offset of this scan
+  std::vector<_tSourceRange> m_vecSource;   // per byte of m_sTextStand
+  std::vector<int> m_vecMarkupBefore;       // per token: markup bytes before it
+  std::vector<uint32_t> m_vecTermStamp;     // per term: the scan that saw it
+  uint32_t m_nStamp = 0;
+  std::set<_tKeyVal> m_setKeyVal;           // de-duplicates m_vecKeyVal
+  std::vector<_tRuleInfo> m_vecRuleInfo;    // per rule, filled on first use
+  std::vector<_tCheckResult> m_vecFindings;
+  bool m_bPunctuationCheck = true;
+  bool m_bCountryWarned = false;
+  size_t m_nFindingFloor = 0;               // first finding of the paragraph being checked
+  tstring m_sSingleKeyResult;
+  const _tParagraph* m_pCurPara = nullptr;  // document paragraph being scanned, or null
+  int m_nSectionIndex = -1;                 // paragraph index of the current heading
+  bool m_bTableExtractPending = false;      // a "tableextract" rule named the next table
+  tstring m_sTableExtractRule;
+  std::map<uint32_t, uint32_t> m_mapParaRow;  // cell paragraph -> first paragraph of its row
+  std::set<std::pair<int, std::pair<int, int>>> m_setMatched;  // (rule, (start, end)) of this scan
+  std::set<std::vector<tstring>> m_setKG;   // de-duplicates entities and triples
 };

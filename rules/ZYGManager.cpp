@@ -8,7 +8,6 @@
 
 namespace {
 const char kManagerFile[] = "ZYG_Manager.dat";
-const char kRules[] = "the rule language (CZYG)";
 const char kAudits[] = "the audit rules (CAudit)";
 const uint64_t kMaxTypes = 1u << 20;  // far beyond any real count; refuses foreign files
 }  // namespace
@@ -56,6 +55,10 @@ int CZYGManager::Save() {
 }
 
 CAudit* CZYGManager::GetProcesser(int nType) {
+  return const_cast<CAudit*>(static_cast<const CZYGManager*>(this)->GetProcesser(nType));
+}
+
+const CAudit* CZYGManager::GetProcesser(int nType) const {
   auto it = m_mapType2Processor.find(nType);
   if (it != m_mapType2Processor.end()) return it->second.get();
   char sMessage[64];
@@ -86,24 +89,42 @@ const char* CZYGManager::MissingText(int nType, const char* sService) {
   return m_sResult.c_str();
 }
 
-int CZYGManager::ImportZYGRules(const char*, bool, int nType) { return Missing(nType, kAudits, 0); }
-int CZYGManager::ImportZYGRulesFromMem(const char*, bool, int nType) {
-  return Missing(nType, kAudits, 0);
-}
-int CZYGManager::AddRule(const char*, int nType) { return Missing(nType, kAudits); }
-
-const char* CZYGManager::GetZYGSysInfo() {
-  ServiceMissing(kRules);
-  m_sResult.clear();
+const char* CZYGManager::Keep(const char* sText) {
+  m_sResult = sText ? sText : "";
   return m_sResult.c_str();
 }
 
+int CZYGManager::ImportZYGRules(const char* sFile, bool bOverwrite, int nType) {
+  tstring sText;
+  if (sFile == nullptr || !ReadFileText(sFile, sText)) {
+    Processer(nType);
+    SetLastError(tstring("Failed read file ") + (sFile ? sFile : ""));
+    return -1;
+  }
+  return ImportZYGRulesFromMem(sText.c_str(), bOverwrite, nType);
+}
+
+int CZYGManager::ImportZYGRulesFromMem(const char* sText, bool bOverwrite, int nType) {
+  tstring s = sText ? sText : "";
+  if (s.find("<audit>") != tstring::npos) return Missing(nType, kAudits, 0);
+  return RuleSet(nType).ImportRuleFromMem(s.c_str(), bOverwrite);
+}
+
+int CZYGManager::AddRule(const char*, int nType) { return Missing(nType, kAudits); }
+
+const char* CZYGManager::GetZYGSysInfo() {
+  CZYG rules("", 0);
+  return Keep(rules.GetSysInfo());
+}
+
 const char* CZYGManager::GetAuditSysInfo(int nType) { return MissingText(nType, kAudits); }
-const char* CZYGManager::GetZYGRuleListId(int nType) { return MissingText(nType, kRules); }
-const char* CZYGManager::GetZYGRuleInfo(int, int nType) { return MissingText(nType, kRules); }
-int CZYGManager::DelZYGRule(int, int nType) { return Missing(nType, kRules); }
-int CZYGManager::AddZYGRule(const char*, int nType) { return Missing(nType, kRules); }
-int CZYGManager::EditZYGRule(int, const char*, int nType) { return Missing(nType, kRules); }
+const char* CZYGManager::GetZYGRuleListId(int nType) { return Keep(RuleSet(nType).GetRuleListId()); }
+const char* CZYGManager::GetZYGRuleInfo(int rule_id, int nType) { return Keep(RuleSet(nType).GetItem(rule_id)); }
+int CZYGManager::DelZYGRule(int rule_id, int nType) { return RuleSet(nType).DeleteItem(rule_id); }
+int CZYGManager::AddZYGRule(const char* sJsonStr, int nType) { return RuleSet(nType).AddItem(sJsonStr); }
+int CZYGManager::EditZYGRule(int rule_id, const char* sJsonStr, int nType) {
+  return RuleSet(nType).EditItem(rule_id, sJsonStr);
+}
 const char* CZYGManager::GetAuditRuleListId(int nType) { return MissingText(nType, kAudits); }
 const char* CZYGManager::GetAuditRuleInfo(int, int nType) { return MissingText(nType, kAudits); }
 int CZYGManager::DelAuditRule(int, int nType) { return Missing(nType, kAudits); }

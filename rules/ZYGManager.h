@@ -4,9 +4,12 @@
 //
 // "ZYG_Manager.dat": u64 count, then per type one i32 type number, ascending.
 //
-// The rule and audit-rule operations are not built yet: each creates the
-// type's processor when it is new (and records the type), then reports the
-// missing service.
+// Every operation on a type creates the type's processor when it is new (and
+// records the type). The rule-set calls act on the type's CZYG; the audit
+// rules are not built yet, so their calls report the missing service.
+// Importing takes a text of extraction rules ("<item>" elements, which it
+// imports into the type's rule set) and audit rules ("<audit>" elements,
+// refused as missing for now).
 #include <map>
 #include <memory>
 
@@ -29,6 +32,7 @@ class CZYGManager {
 
   // The processor of a type; null with "Report Type=%d Processor not exists.".
   CAudit* GetProcesser(int nType);
+  const CAudit* GetProcesser(int nType) const;
 
   // Texts below stay valid until the next call returning text.
   int ImportZYGRules(const char* sFile, bool bOverwrite, int nType);
@@ -56,6 +60,9 @@ class CZYGManager {
   // Creates the type's processor, then reports sService as missing: nFail.
   int Missing(int nType, const char* sService, int nFail = -1);
   const char* MissingText(int nType, const char* sService);
+  // The type's rule set, its processor created when new.
+  CZYG& RuleSet(int nType) { return *Processer(nType)->GetZYG(); }
+  const char* Keep(const char* sText);
 
   std::map<int, std::unique_ptr<CAudit>> m_mapType2Processor;  // document type -> processor
   tstring m_sDataPath;  // data directory + "/Data/"

@@ -59,6 +59,10 @@ echo "== format check against the parse of the same report"
 "$build/bench/tarvos_bench_format" "$build/data" "$work/report.docx" 1
 
 echo
+echo "== extraction rules over the same report: matching against segmenting, compiling"
+"$build/bench/tarvos_bench_rules" "$build/data" "$work/report.docx" 1
+
+echo
 echo "== checks per second: one instance, then two threads on two instances (the corpus)"
 docs=$(ls ../shared/corpus/real/zh/*.docx ../shared/corpus/real/other/*.docx 2>/dev/null || true)
 if [ -n "$docs" ]; then

@@ -36,3 +36,5 @@ tstring CountryDetect_GetName(int nCountry) {
   auto pDetector = Detector();
   return pDetector ? pDetector->GetShortName(nCountry) : "";
 }
+
+bool CountryDetect_IsOn() { return Detector() != nullptr; }

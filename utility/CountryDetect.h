@@ -10,6 +10,10 @@ int CountryDetect_Init(const char* sDataPath);
 
 void CountryDetect_Exit();
 
+// True between a successful CountryDetect_Init and CountryDetect_Exit: the
+// engine starts detection only when the configuration switches it on.
+bool CountryDetect_IsOn();
+
 // The country names in a text (see CCountryDetector::Find); empty before
 // CountryDetect_Init. Safe from several threads.
 std::vector<_tCountryMatch> CountryDetect_Find(const tstring& sText);

@@ -25,6 +25,8 @@ class CIntArray {
   // The entries of a range, clipped to the pool.
   std::vector<int32_t> Get(const _tIntArray& range) const;
   size_t GetSize() const { return m_nCurDataSize; }
+  // The entries in use, for readers that check ranges themselves.
+  const int32_t* Data() const { return m_pData.get(); }
   size_t GetCapacity() const { return m_nDataMaxSize; }
   void Clear() { m_nCurDataSize = 0; }
 

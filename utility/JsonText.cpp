@@ -1,6 +1,7 @@
 #include "utility/JsonText.h"
 
 #include <cstdio>
+#include <memory>
 
 #include "utility/Utf8.h"
 
@@ -61,4 +62,17 @@ tstring JsonQuote(const tstring& sText) {
   }
   sOut += '"';
   return sOut;
+}
+
+bool ParseJsonObject(const tstring& sText, Json::Value& root) {
+  Json::CharReaderBuilder builder;
+  builder["stackLimit"] = 64;
+  std::unique_ptr<Json::CharReader> pReader(builder.newCharReader());
+  tstring sErrors;
+  try {
+    return pReader->parse(sText.data(), sText.data() + sText.size(), &root, &sErrors) && root.isObject();
+  } catch (const std::exception&) {  // the reader throws when the nesting limit is reached
+    root = Json::Value();
+    return false;
+  }
 }

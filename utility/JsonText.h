@@ -14,3 +14,7 @@ tstring JsonText(const Json::Value& value, bool bIndent = true);
 // control characters escaped, a byte that is no valid UTF-8 written as
 // U+FFFD so that the result is always valid JSON.
 tstring JsonQuote(const tstring& sText);
+
+// Reads a JSON object from a text, nesting limited so that hostile texts
+// cannot exhaust the stack. False when the text is no JSON object.
+bool ParseJsonObject(const tstring& sText, Json::Value& root);

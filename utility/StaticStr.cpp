@@ -40,3 +40,14 @@ bool CStaticStr::Read(FILE* fp, uint64_t nMaxBytes) {
   m_nDataMaxSize = nLength + 1;
   return true;
 }
+
+bool CStaticStr::SetBytes(const tstring& sBytes) {
+  Clear();
+  if (!sBytes.empty() && sBytes.back() != '\0') return false;
+  std::unique_ptr<char[]> pData(new char[sBytes.size() + 1]);
+  memcpy(pData.get(), sBytes.data(), sBytes.size());
+  m_pData = std::move(pData);
+  m_nDataIndex = sBytes.size();
+  m_nDataMaxSize = sBytes.size() + 1;
+  return true;
+}

@@ -20,6 +20,11 @@ class CStaticStr {
   const char* Get(size_t nOffset) const;
   size_t GetSize() const { return m_nDataIndex; }
   void Clear() { m_nDataIndex = 0; }
+  // The pool's bytes, for files that embed it.
+  tstring GetBytes() const { return m_nDataIndex ? tstring(m_pData.get(), m_nDataIndex) : tstring(); }
+  // Replaces the pool; false (pool empty) unless the bytes are empty or end
+  // with a zero byte, so that every offset reads a terminated string.
+  bool SetBytes(const tstring& sBytes);
 
   bool Write(FILE* fp) const;
   // Reads a block of at most nMaxBytes pool bytes; false (pool empty) when

@@ -121,3 +121,18 @@ tstring DecodeEntities(const char* p, const char* pEnd, EEntitySet eSet) {
   }
   return sOut;
 }
+
+tstring EscapeXml(const tstring& sText) {
+  tstring sOut;
+  sOut.reserve(sText.size());
+  for (char c : sText) {
+    switch (c) {
+      case '&': sOut += "&amp;"; break;
+      case '<': sOut += "&lt;"; break;
+      case '>': sOut += "&gt;"; break;
+      case '"': sOut += "&quot;"; break;
+      default: sOut += c;
+    }
+  }
+  return sOut;
+}

@@ -62,3 +62,7 @@ tstring DecodeEntities(const char* p, const char* pEnd, EEntitySet eSet = kEntit
 inline tstring DecodeEntities(const tstring& sText, EEntitySet eSet = kEntitiesXml) {
   return DecodeEntities(sText.data(), sText.data() + sText.size(), eSet);
 }
+
+// A text as XML character data: '&', '<', '>' and '"' written as references,
+// so that any text keeps an element well-formed. DecodeEntities reverses it.
+tstring EscapeXml(const tstring& sText);

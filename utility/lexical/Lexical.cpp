@@ -41,6 +41,15 @@ int QUENDA_ImportUserDict(const char* sFilename, bool bOverwrite) {
   return pAnalyser->ImportUserDict(sFilename, bOverwrite);
 }
 
+int QUENDA_ImportUserText(const tstring& sText, bool bOverwrite) {
+  std::shared_ptr<CLexicalAnalyser> pAnalyser = QUENDA_Analyser();
+  if (!pAnalyser) {
+    SetLastError("The lexical analyser is not started");
+    return 0;
+  }
+  return pAnalyser->ImportUserText(sText, bOverwrite);
+}
+
 tstring QUENDA_ParagraphProcess(const tstring& sText, bool bTags) {
   std::shared_ptr<CLexicalAnalyser> pAnalyser = QUENDA_Analyser();
   return pAnalyser ? pAnalyser->ParagraphProcess(sText, bTags) : tstring();

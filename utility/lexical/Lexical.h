@@ -24,5 +24,8 @@ std::shared_ptr<CLexicalAnalyser> QUENDA_Analyser();
 // of words imported; 0 on failure (file unreadable, analyser not started).
 int QUENDA_ImportUserDict(const char* sFilename, bool bOverwrite);
 
+// Imports user words given as text (the user dictionary's line format).
+int QUENDA_ImportUserText(const tstring& sText, bool bOverwrite);
+
 // Segments a paragraph with the running analyser; "" when none runs.
 tstring QUENDA_ParagraphProcess(const tstring& sText, bool bTags);

@@ -1,5 +1,7 @@
 #include "utility/lexical/LexicalAnalyser.h"
 
+#include <sstream>
+
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
 #include "utility/lexical/UserDictionary.h"
@@ -28,6 +30,17 @@ int CLexicalAnalyser::ImportUserDict(const char* sFilename, bool bOverwrite) {
   std::shared_ptr<const CUserDictionary> pNew(
       CUserDictionary::Import(bOverwrite ? nullptr : pOld.get(), sFilename, nImported, nRefused));
   if (!pNew) return 0;
+  std::lock_guard<std::mutex> lock(m_mutexUser);
+  m_pUserDict = pNew;
+  return nImported;
+}
+
+int CLexicalAnalyser::ImportUserText(const tstring& sText, bool bOverwrite) {
+  std::shared_ptr<const CUserDictionary> pOld = UserDict();
+  std::istringstream in(sText);
+  int nImported = 0, nRefused = 0;
+  std::shared_ptr<const CUserDictionary> pNew(
+      CUserDictionary::ImportStream(bOverwrite ? nullptr : pOld.get(), in, "(user words)", nImported, nRefused));
   std::lock_guard<std::mutex> lock(m_mutexUser);
   m_pUserDict = pNew;
   return nImported;

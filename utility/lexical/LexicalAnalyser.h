@@ -31,6 +31,8 @@ class CLexicalAnalyser {
   // bOverwrite the earlier user words are dropped first. Returns the number
   // of words imported; 0 when the file cannot be read.
   int ImportUserDict(const char* sFilename, bool bOverwrite);
+  // The same for the lines of a text in that format.
+  int ImportUserText(const tstring& sText, bool bOverwrite);
 
   // The tokens of a paragraph, offsets into sText.
   void Segment(const tstring& sText, std::vector<_tToken>& vecTokens) const;

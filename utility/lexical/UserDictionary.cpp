@@ -71,6 +71,13 @@ std::unique_ptr<CUserDictionary> CUserDictionary::Import(const CUserDictionary* 
     SetLastError("Fail read file " + sFilename);
     return nullptr;
   }
+  return ImportStream(pBase, in, sFilename, nImported, nRefused);
+}
+
+std::unique_ptr<CUserDictionary> CUserDictionary::ImportStream(const CUserDictionary* pBase, std::istream& in,
+                                                               const tstring& sFilename, int& nImported,
+                                                               int& nRefused) {
+  nImported = nRefused = 0;
   std::unique_ptr<CUserDictionary> pDict(new CUserDictionary);
   std::vector<const char*> vecTag;
   pDict->m_dict.BeginAdd();

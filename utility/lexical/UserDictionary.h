@@ -13,6 +13,7 @@
 // starting with '#' are comments. A line without a word, with an unclosed
 // bracket, an over-long line or a tag with blanks is refused: it is reported
 // in the error log with the file and line number and the import goes on.
+#include <istream>
 #include <memory>
 #include <vector>
 
@@ -26,6 +27,9 @@ class CUserDictionary {
   // file's lines. Null with the last error set when the file cannot be read.
   static std::unique_ptr<CUserDictionary> Import(const CUserDictionary* pBase, const tstring& sFilename,
                                                  int& nImported, int& nRefused);
+  // The same for lines in memory; sName names them in the error log.
+  static std::unique_ptr<CUserDictionary> ImportStream(const CUserDictionary* pBase, std::istream& in,
+                                                       const tstring& sName, int& nImported, int& nRefused);
 
   const CPDAT& GetDict() const { return m_dict; }
   const char* GetTag(int nId) const { return m_vecTag[nId]; }

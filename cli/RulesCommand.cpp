@@ -1,0 +1,105 @@
+#include "cli/RulesCommand.h"
+
+#include <fstream>
+#include <iomanip>
+#include <sstream>
+
+#include <json/json.h>
+
+#include "cli/DataDir.h"
+#include "tarvos.h"
+
+namespace {
+
+int Fail(const std::string& sWhat, std::ostream& err) {
+  err << "tarvos rules: " << sWhat << ": " << TARVOS_GetLastErrorMsg() << "\n";
+  return 1;
+}
+
+int Act(const _tRulesOptions& o, std::ostream& out, std::ostream& err) {
+  if (o.action == "import") {
+    int nCount = TARVOS_ImportZYGRules(o.file.c_str(), o.overwrite, o.type);
+    if (nCount < 0) return Fail("cannot import " + o.file, err);
+    std::string sRefused = TARVOS_GetLastErrorMsg();
+    out << nCount << " rules imported into type " << o.type << "\n";
+    if (nCount == 0 && !sRefused.empty()) err << "tarvos rules: " << sRefused << "\n";
+    return 0;
+  }
+  if (o.action == "list") {
+    out << ZYG_GetRuleListId(o.type);
+    return 0;
+  }
+  if (o.action == "show") {
+    const char* sJson = ZYG_GetRuleInfo(o.id, o.type);
+    if (sJson == nullptr || *sJson == '\0') return Fail("no rule " + std::to_string(o.id), err);
+    out << sJson;
+    return 0;
+  }
+  if (o.action == "add") {
+    int nIndex = ZYG_AddRule(o.file.c_str(), o.type);
+    if (nIndex < 0) return Fail("rule refused", err);
+    out << "rule " << nIndex << " added to type " << o.type << "\n";
+    return 0;
+  }
+  if (ZYG_DelRule(o.id, o.type) < 0) return Fail("cannot delete rule " + std::to_string(o.id), err);
+  out << "deleted rule " << o.id << " of type " << o.type << "\n";
+  return 0;
+}
+
+// The values of "<base>_keyVal.json", which a scan writes beside the document.
+bool ReadKeyValues(const std::string& sFile, Json::Value& root) {
+  size_t nSlash = sFile.find_last_of('/'), nDot = sFile.find_last_of('.');
+  bool bHasExtension = nDot != std::string::npos && (nSlash == std::string::npos || nDot > nSlash);
+  std::string sBase = bHasExtension ? sFile.substr(0, nDot) : sFile;
+  std::ifstream in(sBase + "_keyVal.json", std::ios::binary);
+  Json::CharReaderBuilder builder;
+  std::string sErrors;
+  return in && Json::parseFromStream(builder, in, &root, &sErrors) && root.isObject();
+}
+
+void PrintTable(const Json::Value& root, std::ostream& out) {
+  const Json::Value& values = root["KeyVals"];
+  out << std::left << std::setw(24) << "key" << std::setw(10) << "paragraph" << "value\n";
+  for (const Json::Value& value : values) {
+    std::string sKey = value["attribute"].asString(), sName = value["name"].asString();
+    if (!sName.empty() && sName != sKey) sKey += " (" + sName + ")";
+    out << std::left << std::setw(24) << sKey << std::setw(10) << value["para_id"].asString()
+        << value["key_value"].asString() << "\n";
+  }
+  out << values.size() << " values\n";
+}
+
+}  // namespace
+
+int RunRules(const std::string& sDataDir, const _tRulesOptions& options, std::ostream& out, std::ostream& err) {
+  if (!StartEngine(sDataDir, err)) return 1;
+  int nExit = Act(options, out, err);
+  TARVOS_Exit();
+  return nExit;
+}
+
+int RunExtract(const std::string& sDataDir, const std::string& sFile, int nType, bool bJson, std::ostream& out,
+               std::ostream& err) {
+  if (!StartEngine(sDataDir, err)) return 1;
+  int nExit = 1;
+  int handle = ZYG_NewInstance(nType);
+  const char* sResult = handle < 0 ? nullptr : ZYG_ScanDoc(sFile.c_str(), nType, false, handle);
+  Json::Value root;
+  if (sResult == nullptr || *sResult == '\0') {
+    err << "tarvos extract: cannot scan " << sFile << ": " << ZYG_GetLastErrorMsg() << "\n";
+  } else if (!ReadKeyValues(sFile, root)) {
+    err << "tarvos extract: the scan of " << sFile << " wrote no readable values\n";
+  } else {
+    if (bJson) {
+      Json::StreamWriterBuilder builder;
+      builder["emitUTF8"] = true;
+      out << Json::writeString(builder, root) << "\n";
+    } else {
+      PrintTable(root, out);
+    }
+    nExit = 0;
+  }
+  if (handle >= 0) ZYG_DeleteInstance(handle);
+  TARVOS_Exit();
+  return nExit;
+}
