@@ -95,7 +95,10 @@ void CReportChecker::ExtractFacts(const CZYG& rules, bool bDebug) {
   m_sSingleKeyResult = agent.GetSingleKeyResult();
   m_sEntityKeyResult = agent.GetEntityResult();
   m_sTupleResult = agent.GetTupleResult();
-  for (_tCheckResult finding : agent.GetFindings()) m_pCheckResult->AddResult(finding);
+  for (_tCheckResult finding : agent.GetFindings()) {
+    finding.text = m_pDocument->GetText(finding.para_id);  // the paragraph as written, not as normalised
+    m_pCheckResult->AddResult(finding);
+  }
 }
 
 const char* CReportChecker::CheckMem(const char* sLine, int nType, int rule_id) {

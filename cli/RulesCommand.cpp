@@ -1,7 +1,8 @@
 #include "cli/RulesCommand.h"
 
 #include <fstream>
-#include <iomanip>
+#include <algorithm>
+#include <vector>
 #include <sstream>
 
 #include <json/json.h>
@@ -57,15 +58,29 @@ bool ReadKeyValues(const std::string& sFile, Json::Value& root) {
   return in && Json::parseFromStream(builder, in, &root, &sErrors) && root.isObject();
 }
 
+// The columns a text takes on a terminal: two for a character beyond ASCII.
+size_t DisplayWidth(const std::string& s) {
+  size_t nWidth = 0;
+  for (unsigned char c : s)
+    if (c < 0x80) ++nWidth;
+    else if ((c & 0xC0) != 0x80) nWidth += 2;
+  return nWidth;
+}
+
 void PrintTable(const Json::Value& root, std::ostream& out) {
   const Json::Value& values = root["KeyVals"];
-  out << std::left << std::setw(24) << "key" << std::setw(10) << "paragraph" << "value\n";
+  std::vector<std::string> vecKeys;
+  size_t nWidth = 3;
   for (const Json::Value& value : values) {
     std::string sKey = value["attribute"].asString(), sName = value["name"].asString();
     if (!sName.empty() && sName != sKey) sKey += " (" + sName + ")";
-    out << std::left << std::setw(24) << sKey << std::setw(10) << value["para_id"].asString()
-        << value["key_value"].asString() << "\n";
+    nWidth = std::max(nWidth, DisplayWidth(sKey));
+    vecKeys.push_back(sKey);
   }
+  out << "key" << std::string(nWidth - 1, ' ') << "paragraph  value\n";
+  for (Json::ArrayIndex i = 0; i < values.size(); ++i)
+    out << vecKeys[i] << std::string(nWidth + 2 - DisplayWidth(vecKeys[i]), ' ') << values[i]["para_id"].asString()
+        << "   " << values[i]["key_value"].asString() << "\n";
   out << values.size() << " values\n";
 }
 

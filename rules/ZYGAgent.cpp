@@ -51,7 +51,8 @@
 //
 // Actions, when the rule selected nothing unless said otherwise:
 // - "convert": each selected value is rewritten: a date as YYYY-MM-DD, a
-//   whole Chinese numeral as its digits, thousands commas dropped.
+//   whole Chinese numeral as its digits, thousands commas dropped, and in
+//   an ASCII value the blanks beside "-/.~" dropped ("GB 50014-2021").
 // - "paragraphextract": the whole (normalised) paragraph.
 // - "between_extract": the text between the first grid's last token and
 //   the last grid's first token, blanks trimmed; nothing with one grid.
@@ -782,6 +783,17 @@ void CZYGAgent::ApplyAction(_tZYG_Result& result, const _tMatchSpan& span) {
     AddSelected(result, JoinWords(span.nStart, span.nEnd), TokenOffset(span.nStart));
 }
 
+// Drops every blank that stands beside one of "-/.~".
+static tstring JoinMarks(const tstring& s) {
+  tstring sOut;
+  for (size_t i = 0; i < s.size(); ++i) {
+    bool bBesideMark = s[i] == ' ' && ((i + 1 < s.size() && strchr("-/.~", s[i + 1])) ||
+                                       (!sOut.empty() && strchr("-/.~", sOut.back())));
+    if (!bBesideMark) sOut += s[i];
+  }
+  return sOut;
+}
+
 void CZYGAgent::ConvertData(_tZYG_Result& result) const {
   for (tstring& sValue : result.vecSelected) {
     int y, m, d;
@@ -795,6 +807,10 @@ void CZYGAgent::ConvertData(_tZYG_Result& result) const {
                s.find_first_not_of("0123456789,.") == tstring::npos) {
       s.erase(std::remove(s.begin(), s.end(), ','), s.end());
       sValue = s;
+    } else if (!s.empty() && std::all_of(s.begin(), s.end(), [](char c) { return (unsigned char)c < 0x80; })) {
+      // A code or telephone number whose pieces the joining spaced apart
+      // ("GB 50014 - 2021", "0571 - 87654321"): no blank beside - / . ~
+      sValue = JoinMarks(s);
     } else {
       sValue = s;
     }

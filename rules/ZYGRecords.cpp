@@ -7,7 +7,7 @@
 namespace {
 
 tstring Format(const char* sFormat, long long nValue) {
-  char s[32];
+  char s[128];
   snprintf(s, sizeof(s), sFormat, nValue);
   return s;
 }

@@ -64,5 +64,7 @@ inline tstring DecodeEntities(const tstring& sText, EEntitySet eSet = kEntitiesX
 }
 
 // A text as XML character data: '&', '<', '>' and '"' written as references,
-// so that any text keeps an element well-formed. DecodeEntities reverses it.
+// so that markup in the text cannot open or close elements. Control
+// characters and invalid UTF-8 pass as they are: callers that must write
+// well-formed XML from any text repair those first. DecodeEntities reverses it.
 tstring EscapeXml(const tstring& sText);

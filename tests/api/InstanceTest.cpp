@@ -115,9 +115,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     const char* szService;
   } kCases[] = {
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
-      {"ScanTextMem", [] { return ZYG_ScanTextMem("正文", 1, 1, 0) == nullptr; }, "CAuditAgent"},
-      {"ExtractKnowledge", [] { return TARVOS_ExtractKnowledge("正文", 1) == nullptr; }, "CAuditAgent"},
-      {"ZYG_GetRuleListId", [] { return *ZYG_GetRuleListId(1) == '\0'; }, "CZYG"},
       {"Audit_AddRule", [] { return Audit_AddRule("{}", 1) == -1; }, "CAudit"},
       {"CheckReportDir", [] { return TARVOS_CheckReportDir("/tmp", "", 1, 0, 2) == -1; }, "TARVOS_CheckReportDir"},
   };
@@ -173,7 +170,7 @@ TEST_F(InstanceTest, ChecksRunEndToEndInEveryResultFormat) {
   const char* sMem = TARVOS_CheckReportM("第一行\n\n第二行", nullptr, "", 1, 0, false, 0);
   ASSERT_NE(sMem, nullptr);
   EXPECT_EQ(std::string(sMem).rfind("<TARVOS>\n<CheckResults>\r\n", 0), 0u);
-  EXPECT_STREQ(TARVOS_GetResult(1, 0), "");
+  EXPECT_NE(std::string(TARVOS_GetResult(1, 0)).find("\"entity_attribute\""), std::string::npos) << "type 1 rules ran";
 }
 
 TEST_F(InstanceTest, ImportRoutesByExtension) {
