@@ -111,9 +111,12 @@
 //   or one of a closed list of function characters (的的, 在在, 是是)
 //   outside an AABB form (的的确确). Lexicon words such as 常常, 看看, 人人
 //   are single tokens and never two.
-// - "99.3" (delete the comma): "，" directly before the word 即, 就是, 及,
-//   和, 与 or 或 when the clause before it is an enumeration with "、"
-//   ("甲、乙，和丙"); a comma before 和 that opens a clause is correct.
+// - "99.3" (delete the comma): "，" directly before the word 及, 和, 与 or
+//   或 when the clause before it is an enumeration with "、" whose last item
+//   is short (8 characters) and not closed by "等" ("甲、乙，和丙"); a comma
+//   before 和 that opens a clause is correct, and so is "，即" and "，就是",
+//   which open an explanation.
+// Paragraphs without a Chinese character get none of these findings.
 // - "99.4" (update to the strongest mark): two or more of "，、；：。" in a row.
 // - "99.5" (insert the partner): an unpaired “” ‘’ （） 《》, counted per kind;
 //   a list label such as "1）" or "a）" and an apostrophe ’ after a Latin
@@ -272,18 +275,21 @@ uint32_t CharBefore(const tstring& s, size_t nPos, size_t& nStart) {
 }
 
 // A closing "）" that ends a list label ("1）", "a）", "二）") at the start of
-// the text or after a blank or a mark.
+// the text or after a blank or a mark; a label of one or two ASCII digits or
+// letters counts anywhere ("如在节内容1）还包含分点").
 bool EndsListLabel(const tstring& s, size_t nClose) {
   size_t nPos = nClose, nStart = 0;
   int nLabel = 0;
+  bool bAscii = true;
   while (nPos > 0 && nLabel < 4) {
     uint32_t c = CharBefore(s, nPos, nStart);
     if (!IsLabelChar(c)) break;
+    bAscii = bAscii && c < 0x80;
     ++nLabel;
     nPos = nStart;
   }
   if (nLabel == 0 || nLabel > 3) return false;
-  if (nPos == 0) return true;
+  if (nPos == 0 || (bAscii && nLabel <= 2)) return true;
   uint32_t c = CharBefore(s, nPos, nStart);
   return IsBlankChar(c) || c == 0xFF1A || c == 0xFF1B || c == 0x3002 || c == 0xFF0C || c == 0x3001 ||
          c == ':' || c == ';' || c == ',' || c == 0xFF09;
@@ -1603,6 +1609,16 @@ int CZYGAgent::GetKeyValue(const tstring& sKey, std::vector<_tKeyVal>& vecKeyVal
 // ---------------------------------------------------------------------------
 // Spelling and punctuation findings
 
+// True when the text holds a CJK ideograph.
+static bool HasHanCharacter(const tstring& sText) {
+  for (size_t i = 0; i < sText.size();) {
+    uint32_t c = 0;
+    i += DecodeUtf8(sText.data() + i, sText.size() - i, c);
+    if ((c >= 0x4E00 && c <= 0x9FFF) || (c >= 0x3400 && c <= 0x4DBF)) return true;
+  }
+  return false;
+}
+
 void CZYGAgent::AddFinding(const tstring& sOriginal, uint32_t nParaId, size_t nOffset, size_t nLength,
                            const char* szId, const char* szMsg, int nReviseType, const tstring& sNew) {
   const size_t kMaxPerParagraph = 32, kMaxText = 64 * 1024;
@@ -1622,6 +1638,8 @@ void CZYGAgent::AddFinding(const tstring& sOriginal, uint32_t nParaId, size_t nO
 
 void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
   m_nFindingFloor = m_vecFindings.size();
+  // The marks of other languages follow other rules (Russian „…”, O’Henry).
+  if (!HasHanCharacter(sOriginal)) return;
   const size_t nStand = m_vecSource.size();
   auto srcBegin = [&](int nByte) -> size_t {
     return nByte >= 0 && (size_t)nByte < nStand ? m_vecSource[nByte].nBegin : sOriginal.size();
@@ -1663,9 +1681,13 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
     i = j - 1;
   }
 
-  // 99.3: a comma that splits the last item off an enumeration.
-  static const char* const kConjunctions[] = {"即", "就是", "及", "和", "与", "或"};
+  // 99.3: a comma that splits the last item off an enumeration ("甲、乙，和丙").
+  // The last item must be short and not closed by "等": a longer clause after
+  // the last "、" has a predicate of its own, and the comma before a
+  // preposition "与"/"和" that follows it is right.
+  static const char* const kConjunctions[] = {"及", "和", "与", "或"};
   static const char* const kClauseEnds[] = {",", "，", "。", ".", ";", "；", ":", "：", "!", "！", "?", "？"};
+  const size_t kMaxLastItem = 8;  // characters
   auto isOneOf = [](const tstring& s, const char* const* p, size_t n) {
     for (size_t k = 0; k < n; ++k)
       if (s == p[k]) return true;
@@ -1676,14 +1698,21 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
     if (token.word != "," && token.word != "，") continue;
     size_t nBegin = srcBegin(token.offset);
     if (sOriginal.compare(nBegin, 3, "，") != 0) continue;
-    if (!isOneOf(m_vecScanResult[i + 1].word, kConjunctions, 6)) continue;
-    bool bEnumeration = false;
+    if (!isOneOf(m_vecScanResult[i + 1].word, kConjunctions, 4)) continue;
+    bool bEnumeration = false, bClosed = false;
+    size_t nLastItem = 0;
     for (int k = i - 1; k >= 1; --k) {
       const tstring& sWord = m_vecScanResult[k].word;
       if (isOneOf(sWord, kClauseEnds, 12)) break;
-      if (sWord == "、") bEnumeration = true;
+      if (sWord == "、") {
+        bEnumeration = true;
+        break;
+      }
+      bClosed = bClosed || sWord == "等" || sWord == "等等";
+      nLastItem += Utf8Length(sWord);
     }
-    if (bEnumeration) AddFinding(sOriginal, nParaId, nBegin, 3, "99.3", "punctuation rule 99.3", 2, "");
+    if (bEnumeration && !bClosed && nLastItem <= kMaxLastItem)
+      AddFinding(sOriginal, nParaId, nBegin, 3, "99.3", "punctuation rule 99.3", 2, "");
   }
 
   // 99.4: clause marks two or more in a row; the strongest one stays.
