@@ -64,7 +64,10 @@ const char* ScanFile(_tScanInstance* pInstance, const char* sFile, int nDocType,
   tstring sBase = doc.m_sPath.empty() ? tstring(sFile) : doc.m_sPath + "/../" + doc.m_sFilename;
   size_t nDot = sBase.find_last_of("./");
   if (doc.m_sPath.empty() && nDot != tstring::npos && sBase[nDot] == '.') sBase.erase(nDot);
-  return Scan(pInstance, bDebug, [&](CZYGAgent& agent) { return agent.ScanDoc(&doc, sBase, 0, bDebug); });
+  return Scan(pInstance, bDebug, [&](CZYGAgent& agent) {
+    agent.ScanDoc(&doc, sBase, 0, bDebug);
+    return agent.GetScanText();
+  });
 }
 
 }  // namespace

@@ -237,6 +237,8 @@ const _tZYGIndex* CZYG::GetPostings(int nTermId) const {
 }
 
 void CZYG::Indexing() {
+  m_vecTagTerm.assign(m_dict.GetCount(), 0);
+  for (size_t t = 0; t < m_vecTagTerm.size(); ++t) m_vecTagTerm[t] = IsTagElement(GetTerm((int)t));
   m_vecIndex.assign(m_dict.GetCount(), _tZYGIndex());
   m_nIndexItemCount = 0;
   for (size_t r = 0; r < m_vecCompiled.size(); ++r) {
@@ -271,11 +273,14 @@ void CZYG::ComputeSkipList(size_t nRule, _tZYGIndexData& data) const {
     const _tGrid& grid = rule.knowledge.grids[g];
     for (size_t b = 0; b < grid.blocks.size(); ++b) {
       if ((int)g == data.grid_index && (int)b == data.block_index) continue;
+      if (grid.blocks[b].is_not || GetInt(grid.repeats, b, 1) <= 0) continue;
       size_t nElems = 0;
       const int32_t* pElems = GetInts(grid.blocks[b].elems, nElems);
-      if (nElems != 1 || grid.blocks[b].is_not || GetInt(grid.repeats, b, 1) <= 0 || pElems[0] < 0) continue;
-      if (IsTagElement(GetTerm(pElems[0]))) continue;
-      data.skiplist.push_back(pElems[0]);
+      bool bUsable = nElems > 0;
+      for (size_t e = 0; e < nElems && bUsable; ++e) bUsable = pElems[e] >= 0 && !IsTagTerm(pElems[e]);
+      if (!bUsable) continue;
+      data.skiplist.insert(data.skiplist.end(), pElems, pElems + nElems);
+      data.skiplist.push_back(-1);
     }
   }
 }

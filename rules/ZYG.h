@@ -27,10 +27,11 @@
 // - The elements of the generating actions are attribute expressions too,
 //   "attribute|display name" (ExtractAttribute); their compiled elements are
 //   attribute ids, not terms, so they are never looked for in text.
-// - Skip lists: a posting's skip list holds the terms that the rest of its
-//   rule cannot match without: the single element of every other block that
-//   is neither optional, negated nor a tag. A text that lacks one of them
-//   cannot match the rule, so the matcher passes the posting by.
+// - Skip lists: a posting's skip list holds what the rest of its rule cannot
+//   match without: for every other block that is neither optional nor
+//   negated and has no tag element, its elements followed by -1. A text that
+//   holds no element of one such group cannot match the rule, so the matcher
+//   passes the posting by.
 // - User words: compiling writes "zyg_userdict.txt" into the rule folder and
 //   imports it into the running lexical analyser; loading a saved set
 //   imports the same words from memory, so the folder may be read-only.
@@ -118,6 +119,8 @@ class CZYG {
   const char* GetAttributeName(int nId) const { return m_attributeNames.GetWord(nId); }
   size_t GetAttributeCount() const { return m_attributeDict.GetCount(); }
   int GetKeyId(const tstring& sKey) const { return m_dict.GetId(sKey); }
+  // True for a part-of-speech element ("/n"), which matches by tag prefix.
+  bool IsTagTerm(int nId) const { return nId >= 0 && (size_t)nId < m_vecTagTerm.size() && m_vecTagTerm[nId]; }
   bool IsPartOfRule(int nRule, int nTerm) const;
   void GetRuleTermIDVector(int nRule, std::vector<int>& vecTerms) const;
   int GetId() const { return m_nZYG_ID; }
@@ -167,6 +170,7 @@ class CZYG {
   CPDAT m_dict;           // term -> id
   CWordList m_wordList;   // id -> term
   std::vector<_tZYGIndex> m_vecIndex;  // per term
+  std::vector<uint8_t> m_vecTagTerm;   // per term: 1 for a tag element
   std::vector<_tRule> m_vecCompiled;   // per rule
   CPDAT m_attributeDict;         // attribute -> id
   CWordList m_attributeWords;    // id -> attribute

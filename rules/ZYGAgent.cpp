@@ -248,6 +248,9 @@ bool IsReduplicableTag(const tstring& sPos) {
 const char* const kClauseMarks[] = {"。", "；", "：", "，", "、"};
 
 int ClauseMarkRank(const tstring& s, size_t nPos) {
+  // Every clause mark starts with the byte EF or E3: other bytes are no mark.
+  unsigned char c = nPos < s.size() ? (unsigned char)s[nPos] : 0;
+  if (c != 0xEF && c != 0xE3) return -1;
   for (int i = 0; i < 5; ++i)
     if (s.compare(nPos, 3, kClauseMarks[i]) == 0) return i;
   return -1;
@@ -525,8 +528,15 @@ bool CZYGAgent::Eligible(const _tRule& rule, int nRule, const _tScope& scope) co
 }
 
 bool CZYGAgent::SkipListHolds(const _tZYGIndexData& data) const {
-  for (int32_t nTerm : data.skiplist)
-    if (nTerm < 0 || (size_t)nTerm >= m_vecTermStamp.size() || m_vecTermStamp[nTerm] != m_nStamp) return false;
+  bool bGroupFound = false;  // some element of the current group is in the text
+  for (int32_t nTerm : data.skiplist) {
+    if (nTerm < 0) {
+      if (!bGroupFound) return false;
+      bGroupFound = false;
+    } else if ((size_t)nTerm < m_vecTermStamp.size() && m_vecTermStamp[nTerm] == m_nStamp) {
+      bGroupFound = true;
+    }
+  }
   return true;
 }
 
@@ -698,8 +708,7 @@ bool CZYGAgent::MatchBlock(const _tBlock& block, int nToken) {
       bMatch = true;
       break;
     }
-    const char* szTerm = m_pZYG->GetTerm(pElems[i]);
-    if (szTerm && szTerm[0] == '/' && StartsWith(token.pos, szTerm)) bMatch = true;
+    if (m_pZYG->IsTagTerm(pElems[i]) && StartsWith(token.pos, m_pZYG->GetTerm(pElems[i]))) bMatch = true;
   }
   if (m_bDebug) {
     m_sMatchProcess += "In Block " + BlockStr(block) + " try to match " + token.word + token.pos + " ";
@@ -1254,12 +1263,13 @@ constexpr uint32_t Bit(int nField) { return 1u << nField; }
 constexpr uint32_t kMaskText = Bit(kFieldText) | Bit(kFieldKeyBase);
 }  // namespace
 
-const tstring& CZYGAgent::ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int format, bool bDebug) {
+int CZYGAgent::ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int format, bool bDebug) {
   Reset();
   m_bDebug = bDebug;
   if (!pDoc || !m_pZYG) {
     m_sResult.clear();
-    return m_sResult;
+    m_nScanFormat = -1;
+    return -1;
   }
   m_pDocxParser = pDoc;
   _tScope scope;
@@ -1304,7 +1314,7 @@ const tstring& CZYGAgent::ScanDoc(const CDocument* pDoc, const tstring& sBaseNam
   m_nParaIndex = -1;
   ScanRules();
   FinishScan(sBaseName, format);
-  return m_sResult;
+  return (int)m_vecZYGResult.size();
 }
 
 // A table: each cell paragraph under "text" and its head field, each row as
@@ -1435,6 +1445,7 @@ const tstring& CZYGAgent::ScanTextFile(const tstring& sFilename, int format, boo
   if (!ReadFileText(sFilename, sText)) {
     SetLastError("Failed open file " + sFilename);
     m_sResult.clear();
+    m_nScanFormat = -1;
     return m_sResult;
   }
   _tScope scope;
@@ -1453,7 +1464,7 @@ const tstring& CZYGAgent::ScanTextFile(const tstring& sFilename, int format, boo
   tstring sBase = nDot != tstring::npos && (nSlash == tstring::npos || nDot > nSlash) ? sFilename.substr(0, nDot)
                                                                                       : sFilename;
   FinishScan(sBase, format);
-  return m_sResult;
+  return GetScanText();
 }
 
 // One rule (or all, rule_id < 0) over one line. The level and field are
@@ -1487,7 +1498,16 @@ void CZYGAgent::FinishScan(const tstring& sBaseName, int format) {
       if (fp) fclose(fp);
     }
   }
-  m_sResult = format == 1 ? writer.KeyValsJson() : writer.ResultsXml();
+  m_nScanFormat = format;
+}
+
+const tstring& CZYGAgent::GetScanText() {
+  if (m_nScanFormat >= 0) {
+    CZYGResultWriter writer(*this);
+    m_sResult = m_nScanFormat == 1 ? writer.KeyValsJson() : writer.ResultsXml();
+    m_nScanFormat = -1;
+  }
+  return m_sResult;
 }
 
 // ---------------------------------------------------------------------------
@@ -1501,6 +1521,7 @@ void CZYGAgent::Reset() {
   m_mapKeyId2Keys.clear();
   m_nTokenMatchedIndex = 0;
   m_sResult.clear();
+  m_nScanFormat = -1;
   m_vecScanResult.clear();
   m_nTableIndex = m_nRowIndex = m_nColIndex = m_nRowColParaIndex = m_nParaIndex = -1;
   m_dataToBeMatched = nullptr;
@@ -1546,6 +1567,7 @@ const tstring& CZYGAgent::GetKnowledgeJsonStr() { return m_sKeyValResult = CZYGR
 
 const tstring& CZYGAgent::GetResult(const tstring& sFile) {
   m_sResult = CZYGResultWriter(*this).ResultsXml();
+  m_nScanFormat = -1;
   if (sFile.empty()) return m_sResult;
   FILE* fp = fopen(sFile.c_str(), "wb");
   if (!fp) {
@@ -1656,7 +1678,7 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
   // 1.5.3: the same word twice in a row by mistake.
   for (int i = 1; i + 1 < nTokens; ++i) {
     const _tZYGScanResult& token = m_vecScanResult[i];
-    if (!IsHanWord(token.word)) continue;
+    if (m_vecScanResult[i + 1].word != token.word || !IsHanWord(token.word)) continue;
     int j = i + 1;
     while (j < nTokens && m_vecScanResult[j].word == token.word && m_vecScanResult[j].offset == TokenEnd(j - 1)) ++j;
     if (j == i + 1) continue;
@@ -1695,6 +1717,7 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
   };
   for (int i = 1; i + 1 < nTokens; ++i) {
     const _tZYGScanResult& token = m_vecScanResult[i];
+    if (token.word.size() != 1 && token.word.size() != 3) continue;
     if (token.word != "," && token.word != "，") continue;
     size_t nBegin = srcBegin(token.offset);
     if (sOriginal.compare(nBegin, 3, "，") != 0) continue;
@@ -1719,8 +1742,9 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
   for (size_t i = 0; i < sOriginal.size();) {
     int nRank = ClauseMarkRank(sOriginal, i);
     if (nRank < 0) {
-      uint32_t c;
-      i += DecodeUtf8(sOriginal.data() + i, sOriginal.size() - i, c);
+      // A lead byte of a mark never continues another character, so
+      // stepping byte by byte finds every mark where decoding would.
+      ++i;
       continue;
     }
     size_t j = i + 3;
@@ -1741,22 +1765,26 @@ void CZYGAgent::PunctuationCheck(const tstring& sOriginal, uint32_t nParaId) {
                                   {0xFF08, 0xFF09, "（", "）"},
                                   {0x300A, 0x300B, "《", "》"}};
   std::vector<size_t> vecOpen[4];
-  uint32_t nPrev = 0;
-  for (size_t i = 0, n = 0; i < sOriginal.size(); i += n) {
+  // Every paired mark starts with the byte E2, E3 or EF, which never
+  // continues another character: the scan decodes only there.
+  for (size_t i = 0; i < sOriginal.size(); ++i) {
+    unsigned char b = (unsigned char)sOriginal[i];
+    if (b != 0xE2 && b != 0xE3 && b != 0xEF) continue;
     uint32_t c;
-    n = DecodeUtf8(sOriginal.data() + i, sOriginal.size() - i, c);
+    size_t n = DecodeUtf8(sOriginal.data() + i, sOriginal.size() - i, c);
+    bool bAfterAlnum = i > 0 && IsAsciiAlnum((unsigned char)sOriginal[i - 1]);
     for (int k = 0; k < 4; ++k) {
       if (c == kPairs[k].nOpen) {
         vecOpen[k].push_back(i);
       } else if (c == kPairs[k].nClose) {
         if (!vecOpen[k].empty()) {
           vecOpen[k].pop_back();
-        } else if (!(k == 2 && EndsListLabel(sOriginal, i)) && !(k == 1 && IsAsciiAlnum(nPrev))) {
+        } else if (!(k == 2 && EndsListLabel(sOriginal, i)) && !(k == 1 && bAfterAlnum)) {
           AddFinding(sOriginal, nParaId, i, n, "99.5", "punctuation rule 99.5", 0, kPairs[k].szOpen);
         }
       }
     }
-    nPrev = c;
+    i += n - 1;
   }
   for (int k = 0; k < 4; ++k)
     for (size_t nAt : vecOpen[k])

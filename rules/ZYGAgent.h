@@ -64,11 +64,14 @@ class CZYGAgent {
   const tstring& ScanTextFile(const tstring& sFilename, int format, bool bDebug);
   // Every part of a document; results written beside sBaseName (the
   // document's name without extension; "" writes nothing). Starts with
-  // Reset and ends with ScanRules; returns the matches as XML (format 0)
-  // or every value as JSON (format 1, GetKnowledgeJsonStr). ScanTextFile
-  // does the same for a text file; its paragraph ids are the lines' byte
-  // offsets in the file.
-  const tstring& ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int format, bool bDebug);
+  // Reset and ends with ScanRules; returns the number of matches, -1 for no
+  // document. GetScanText() then gives the matches as XML (format 0) or
+  // every value as JSON (format 1, GetKnowledgeJsonStr). ScanTextFile does
+  // the same for a text file and returns that text; its paragraph ids are
+  // the lines' byte offsets in the file.
+  int ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int format, bool bDebug);
+  // The text of the last ScanDoc or ScanTextFile, made when first asked for.
+  const tstring& GetScanText();
   // The second pass: rules of key fields over the values found so far.
   void ScanRules();
 
@@ -217,6 +220,7 @@ class CZYGAgent {
   int m_nTokenMatchedIndex = 0;
   bool m_bOverwrite = false;
   tstring m_sResult;
+  int m_nScanFormat = -1;  // format of the scan whose text is still to be made; -1: m_sResult is current
   std::vector<_tZYGScanResult> m_vecScanResult;
   int m_nTableIndex = -1;
   int m_nRowIndex = -1;

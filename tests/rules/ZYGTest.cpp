@@ -158,9 +158,12 @@ TEST(ZYGTest, IndexPostingsCountTheWordsBeforeTheirBlock) {
     EXPECT_EQ(pIndex->pData[0].block_index, c.nBlock) << c.szTerm;
     EXPECT_EQ(pIndex->pData[0].back_count, c.nBack) << c.szTerm;
   }
-  // Only required single-term blocks make the skip list: a (repeat 2) and e.
+  // Required blocks make the skip list, one group each: a (repeat 2) and e;
+  // b is optional.
   const std::vector<int32_t> vecSkip = zyg.GetPostings(zyg.GetTermId("c"))->pData[0].skiplist;
-  EXPECT_EQ(vecSkip, (std::vector<int32_t>{zyg.GetTermId("a"), zyg.GetTermId("e")}));
+  EXPECT_EQ(vecSkip, (std::vector<int32_t>{zyg.GetTermId("a"), -1, zyg.GetTermId("e"), -1}));
+  const std::vector<int32_t> vecFromE = zyg.GetPostings(zyg.GetTermId("e"))->pData[0].skiplist;
+  EXPECT_EQ(vecFromE, (std::vector<int32_t>{zyg.GetTermId("a"), -1, zyg.GetTermId("c"), zyg.GetTermId("d"), -1}));
   EXPECT_NE(zyg.IndexDump().find("Knowledge_ID=0\tGrid_ID=2\tBlock_ID=0\tBack_Word_Count=3 SkipList("), std::string::npos);
 }
 
