@@ -430,6 +430,20 @@ void CZYGAgent::Normalise(const tstring& sText) {
   bool bPendingBlank = false;
   size_t nBlankStart = 0;
   for (size_t i = 0, n = 0; i < sText.size(); i += n) {
+    // Common characters go straight through: printable ASCII, and the
+    // three-byte characters led by E4..E9 (most Chinese), which are neither
+    // blanks nor full-width forms.
+    unsigned char b = (unsigned char)sText[i];
+    n = b > 0x20 && b < 0x7F ? 1
+        : (b >= 0xE4 && b <= 0xE9 && i + 2 < sText.size() && ((unsigned char)sText[i + 1] & 0xC0) == 0x80 &&
+           ((unsigned char)sText[i + 2] & 0xC0) == 0x80)
+            ? 3
+            : 0;
+    if (n > 0 && !bPendingBlank) {
+      m_sTextStand.append(sText, i, n);
+      for (size_t k = 0; k < n; ++k) m_vecSource.push_back({(uint32_t)i, (uint32_t)(i + n)});
+      continue;
+    }
     uint32_t c;
     n = DecodeUtf8(sText.data() + i, sText.size() - i, c);
     if (IsBlankChar(c)) {
@@ -1320,6 +1334,12 @@ int CZYGAgent::ScanDoc(const CDocument* pDoc, const tstring& sBaseName, int form
 // A table: each cell paragraph under "text" and its head field, each row as
 // one text under "SingleRow"; then the keys found in the heads give the
 // table of values.
+bool CZYGAgent::RuleSetUsesField(int nField) const {
+  for (size_t r = 0; r < m_pZYG->GetRuleCount(); ++r)
+    if (m_pZYG->GetRule(r).field == (uint32_t)nField) return true;
+  return false;
+}
+
 void CZYGAgent::ScanTable(size_t nTable) {
   const _tTable& table = m_pDocxParser->m_vecTable[nTable];
   m_nTableIndex = (int)nTable;
@@ -1367,7 +1387,7 @@ void CZYGAgent::ScanTable(size_t nTable) {
       sCell = NormalizeText(sCell);
       if (!sCell.empty()) sRowText += (sRowText.empty() ? "" : " ") + sCell;
     }
-    if (!sRowText.empty()) {
+    if (!sRowText.empty() && RuleSetUsesField(kFieldSingleRow)) {
       _tScope scope;
       scope.nFieldMask = Bit(kFieldSingleRow);
       scope.bCheck = false;  // the cells were checked one by one

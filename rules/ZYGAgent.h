@@ -266,6 +266,9 @@ class CZYGAgent {
   bool m_bTableExtractPending = false;      // a "tableextract" rule named the next table
   tstring m_sTableExtractRule;
   std::map<uint32_t, uint32_t> m_mapParaRow;  // cell paragraph -> first paragraph of its row
+  // True when some rule of the set is applied to that field (rows are
+  // scanned whole only for rules of "SingleRow").
+  bool RuleSetUsesField(int nField) const;
   std::set<std::pair<int, std::pair<int, int>>> m_setMatched;  // (rule, (start, end)) of this scan
   std::set<std::vector<tstring>> m_setKG;   // de-duplicates entities and triples
 };
