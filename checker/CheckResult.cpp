@@ -24,12 +24,6 @@ const char kReviseLetters[] = "IUDCM";
 const char* FieldName(int nField) { return nField >= 0 && nField < 6 ? kFieldNames[nField] : ""; }
 char ReviseLetter(int nType) { return nType >= 0 && nType < 5 ? kReviseLetters[nType] : '?'; }
 
-tstring Hex(uint32_t n) {
-  char s[16];
-  snprintf(s, sizeof(s), "%08X", n);
-  return s;
-}
-
 tstring Format(const char* sFormat, double f) {
   char s[64];
   snprintf(s, sizeof(s), sFormat, f);
@@ -124,8 +118,8 @@ bool _tCheckResult::operator==(const _tCheckResult& o) const {
 }
 
 void _tCheckResult::output(tstring& s) const {
-  s += "<check>\r\n<paraId>" + Hex(para_id) + "</paraId>\r\n<page_num>" + std::to_string(page_num) + "</page_num>\r\n";
-  if (revise_type == 3 && new_para_id != 0) s += "<new_paraId>" + Hex(new_para_id) + "</new_paraId>\r\n";
+  s += "<check>\r\n<paraId>" + ParaIdText(para_id) + "</paraId>\r\n<page_num>" + std::to_string(page_num) + "</page_num>\r\n";
+  if (revise_type == 3 && new_para_id != 0) s += "<new_paraId>" + ParaIdText(new_para_id) + "</new_paraId>\r\n";
   s += "<errorno>" + error_id + "</errorno>\r\n<errormsg>" + error_msg + "</errormsg>\r\n<field>" + FieldName(field_id) +
        "</field>\r\n<text>" + text + "</text>\r\n<revisetype>" + ReviseLetter(revise_type) + "</revisetype>\r\n<offset>" +
        std::to_string(offset) + "</offset>\r\n<OrgStr>" + org_str + "</OrgStr>\r\n<NewStr>" + new_str +
@@ -133,9 +127,9 @@ void _tCheckResult::output(tstring& s) const {
 }
 
 void _tCheckResult::outputJson(Json::Value& value) const {
-  value["paraId"] = Hex(para_id);
+  value["paraId"] = ParaIdText(para_id);
   value["page_num"] = page_num;
-  if (revise_type == 3 && new_para_id != 0) value["new_paraId"] = Hex(new_para_id);
+  if (revise_type == 3 && new_para_id != 0) value["new_paraId"] = ParaIdText(new_para_id);
   value["errorno"] = error_id;
   value["errormsg"] = error_msg;
   value["field"] = FieldName(field_id);
@@ -284,7 +278,7 @@ const char* CCheckResult::GetResult(const char* sPath, const char* sFilename, in
   s += "<TotalScore>" + Format("%.2lf", fTotal) + "</TotalScore>\r\n</Statistics>\r\n";
   s += "<ChapterStat>\r\n<ChapterCount>" + std::to_string(m_mapChapID2freq.size()) + "</ChapterCount>\r\n";
   for (const auto& kv : m_mapChapID2freq)
-    s += "<chapter>\r\n<paraId>" + Hex(kv.first) + "</paraId>\r\n<text>" + (m_pDocParser ? m_pDocParser->GetText(kv.first) : tstring()) +
+    s += "<chapter>\r\n<paraId>" + ParaIdText(kv.first) + "</paraId>\r\n<text>" + (m_pDocParser ? m_pDocParser->GetText(kv.first) : tstring()) +
          "</text>\r\n<error_count>" + std::to_string(kv.second) + "</error_count>\r\n</chapter>\r\n";
   s += "</ChapterStat>\r\n<Errors>\r\n" + sFindings + "</Errors>\r\n</CheckResults>\r\n";
   m_sResult = s;
@@ -335,7 +329,7 @@ const char* CCheckResult::GetResultJson(const char* sPath, const char* sFilename
   chapters["chapter"] = Json::Value(Json::arrayValue);
   for (const auto& kv : m_mapChapID2freq) {
     Json::Value chapter;
-    chapter["paraId"] = Hex(kv.first);
+    chapter["paraId"] = ParaIdText(kv.first);
     chapter["text"] = m_pDocParser ? m_pDocParser->GetText(kv.first) : tstring();
     chapter["error_count"] = kv.second;
     chapters["chapter"].append(chapter);

@@ -1,5 +1,13 @@
 #include "docx/Paragraph.h"
 
+#include <cstdio>
+
+tstring ParaIdText(uint32_t nParaId) {
+  char s[16];
+  snprintf(s, sizeof(s), "%08X", nParaId);
+  return s;
+}
+
 bool _tTable::GetValue(size_t nRow, size_t nCol, tstring& sValue) const {
   sValue.clear();
   if (nRow >= rows.size() || nCol >= rows[nRow].size()) return false;

@@ -31,6 +31,9 @@ enum EParaKind : unsigned {
   kKindSeqOther = 1u << 5,      // holds another SEQ field (equations, ...)
 };
 
+// A paragraph id as every output, anchor and finding prints it: "%08X".
+tstring ParaIdText(uint32_t nParaId);
+
 // A font name of the Latin script class ("Times New Roman"), as against a
 // Chinese one ("宋体"): it starts with an ASCII byte.
 inline bool IsLatinFontName(const tstring& sFont) { return !sFont.empty() && (unsigned char)sFont[0] < 0x80; }

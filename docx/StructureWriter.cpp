@@ -22,12 +22,6 @@ tstring Escape(const tstring& sText) {
   return sOut;
 }
 
-tstring Hex(uint32_t nId) {
-  char s[16];
-  snprintf(s, sizeof(s), "%08X", nId);
-  return s;
-}
-
 void Line(tstring& sOut, const tstring& sText) {
   sOut += sText;
   sOut += kLineEnd;
@@ -56,7 +50,7 @@ void CStructureWriter::ParaXml(const _tParagraph& para, const char* sIdSuffix, c
   const tstring& sSegment = bPlaceholder ? (pCaption ? pCaption->segment_txt : tstring()) : para.segment_txt;
   Line(sOut, "<para>");
   Line(sOut, Element("page_num", std::to_string(para.page_num)));
-  Line(sOut, Element("paraId", Hex(para.id) + sIdSuffix));
+  Line(sOut, Element("paraId", ParaIdText(para.id) + sIdSuffix));
   Line(sOut, Element("font", para.font));
   Line(sOut, Element("fontSize", std::to_string(para.font_size)));
   Line(sOut, Element("line_space", std::to_string(para.line_space)));
@@ -79,7 +73,7 @@ tstring CStructureWriter::Xml() const {
   Line(s, Element("url_prefix", p.m_sURLPrefix));
   Line(s, Element("pages_count", std::to_string(p.m_vecPageParaId.size())));
   tstring sPages, sFormulas;
-  for (uint32_t nId : p.m_vecPageParaId) sPages += Hex(nId) + " ";
+  for (uint32_t nId : p.m_vecPageParaId) sPages += ParaIdText(nId) + " ";
   for (int nIndex : p.FormulaIndexes()) sFormulas += std::to_string(nIndex) + " ";
   Line(s, Element("pages_paraID", sPages));
   Line(s, Element("formular_index", sFormulas));
@@ -153,7 +147,7 @@ tstring CStructureWriter::ParaJson(const _tParagraph& para, const _tParagraph* p
   const bool bPlaceholder = para.level == kLevelTable || para.level == kLevelFigure;
   const tstring& sText = bPlaceholder ? (pCaption ? pCaption->text : tstring()) : para.text;
   const tstring& sSegment = bPlaceholder ? (pCaption ? pCaption->segment_txt : tstring()) : para.segment_txt;
-  return "{\"paraId\": " + JsonQuote(Hex(para.id)) + ", \"page_num\": " + std::to_string(para.page_num) +
+  return "{\"paraId\": " + JsonQuote(ParaIdText(para.id)) + ", \"page_num\": " + std::to_string(para.page_num) +
          ", \"font\": " + JsonQuote(para.font) + ", \"fontSize\": " + std::to_string(para.font_size) +
          ", \"line_space\": " + std::to_string(para.line_space) + ", \"numPtr\": " + std::to_string(para.numPtr) +
          ", \"level\": " + std::to_string(para.level) + ", \"text\": " + JsonQuote(sText) +
@@ -169,7 +163,7 @@ tstring CStructureWriter::Json(bool bTableFigureIncluded) const {
     return s + "]";
   };
   std::vector<tstring> vecPages, vecFormulas, vecHeaders, vecFooters, vecContents, vecParas;
-  for (uint32_t nId : p.m_vecPageParaId) vecPages.push_back(JsonQuote(Hex(nId)));
+  for (uint32_t nId : p.m_vecPageParaId) vecPages.push_back(JsonQuote(ParaIdText(nId)));
   for (int nIndex : p.FormulaIndexes()) vecFormulas.push_back(std::to_string(nIndex));
   for (const _tParagraph& para : p.m_vecHeadFooter[0]) vecHeaders.push_back(ParaJson(para, nullptr));
   for (const _tParagraph& para : p.m_vecHeadFooter[1]) vecFooters.push_back(ParaJson(para, nullptr));

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "docx/Paragraph.h"
 #include "rules/ZYGResultWriter.h"
 
 namespace {
@@ -9,13 +10,6 @@ namespace {
 tstring Format(const char* sFormat, long long nValue) {
   char s[128];
   snprintf(s, sizeof(s), sFormat, nValue);
-  return s;
-}
-
-// "%08X" of a paragraph id, as in every output that names a paragraph.
-tstring ParaHex(uint32_t nParaId) {
-  char s[16];
-  snprintf(s, sizeof(s), "%08X", nParaId);
   return s;
 }
 
@@ -35,7 +29,7 @@ tstring _tZYG_Result::WriteXML() const {
   s += "\t<action>" + W::XmlEscape(action) + "</action>\n";
   s += Format("\t<credit>%lld</credit>\n", credit);
   s += Format("\t<frequency>%lld</frequency>\n", frequency);
-  s += "\t<para_id>" + ParaHex(para_id) + "</para_id>\n";
+  s += "\t<para_id>" + ParaIdText(para_id) + "</para_id>\n";
   // Printed as a signed number: an offset is never near 2^31.
   s += Format("\t<offset>%lld</offset>\n", (int)offset);
   s += "\t<selected>\n";
@@ -44,7 +38,7 @@ tstring _tZYG_Result::WriteXML() const {
     // The per-value lists may be shorter than the values when the agent did
     // not record them: such a value has no paragraph or offset of its own.
     if (i < vecSelectedParaId.size() && vecSelectedParaId[i] != 0)
-      s += "<para_id>" + ParaHex(vecSelectedParaId[i]) + "</para_id>";
+      s += "<para_id>" + ParaIdText(vecSelectedParaId[i]) + "</para_id>";
     if (i < vecSelectedOffset.size() && vecSelectedOffset[i] >= 0)
       s += Format("<offset>%lld</offset>", vecSelectedOffset[i]);
     s += "<value>" + W::XmlEscape(vecSelected[i]) + "</value></item>\n";

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "docx/Paragraph.h"
 #include "rules/ZYG.h"
 #include "rules/ZYGAgent.h"
 #include "utility/ErrorLog.h"
@@ -13,12 +14,6 @@
 namespace {
 
 const char* const kReplacement = "\xEF\xBF\xBD";  // U+FFFD
-
-tstring ParaHex(uint32_t nParaId) {
-  char s[16];
-  snprintf(s, sizeof(s), "%08X", nParaId);
-  return s;
-}
 
 tstring IndexLine(const char* sFormat, size_t nIndex) {
   char s[64];
@@ -94,7 +89,7 @@ tstring CZYGResultWriter::KeyDisplayName(int nKeyId) const {
 }
 
 tstring CZYGResultWriter::KeyValXml(const _tKeyVal& kv) const {
-  tstring s = "<KeyVal>\r\n\t<para_id>" + ParaHex(kv.para_id) + "</para_id>\r\n";
+  tstring s = "<KeyVal>\r\n\t<para_id>" + ParaIdText(kv.para_id) + "</para_id>\r\n";
   s += "<key_name><id>" + std::to_string(kv.key_name_id) + "</id><attribute>" + XmlEscape(KeyAttribute(kv.key_name_id)) +
        "</attribute><name>" + XmlEscape(KeyDisplayName(kv.key_name_id)) + "</name></key_name>\r\n";
   s += "<key_value>" + XmlEscape(kv.key_value) + "</key_value>\r\n";
@@ -106,7 +101,7 @@ tstring CZYGResultWriter::KeyValXml(const _tKeyVal& kv) const {
 
 Json::Value CZYGResultWriter::KeyValJson(const _tKeyVal& kv) const {
   Json::Value json(Json::objectValue);
-  json["para_id"] = ParaHex(kv.para_id);
+  json["para_id"] = ParaIdText(kv.para_id);
   json["attribute"] = Text(KeyAttribute(kv.key_name_id));
   json["name"] = Text(KeyDisplayName(kv.key_name_id));
   json["key_value"] = Text(kv.key_value);
@@ -190,7 +185,7 @@ tstring CZYGResultWriter::TupleTxt() const {
   tstring s;
   for (const _tTuple& tuple : Items(m_findings.pTuples)) {
     const _tKeyVal first = tuple.empty() ? _tKeyVal() : tuple.front();
-    s += "Offset:" + ParaHex(first.para_id) + "\r\n";
+    s += "Offset:" + ParaIdText(first.para_id) + "\r\n";
     s += "Original Text is: " + first.org_para_text + " \r\n";
     for (const _tKeyVal& kv : tuple) s += "[" + KeyDisplayName(kv.key_name_id) + "]:" + kv.key_value + "\t";
     s += "\r\n";
