@@ -19,11 +19,13 @@ int Fail(const std::string& sWhat, std::ostream& err) {
 
 int Act(const _tRulesOptions& o, std::ostream& out, std::ostream& err) {
   if (o.action == "import") {
+    // A refused item leaves its reason as the last error; the others are imported.
+    const std::string sBefore = TARVOS_GetLastErrorMsg();
     int nCount = TARVOS_ImportZYGRules(o.file.c_str(), o.overwrite, o.type);
     if (nCount < 0) return Fail("cannot import " + o.file, err);
-    std::string sRefused = TARVOS_GetLastErrorMsg();
+    const std::string sAfter = TARVOS_GetLastErrorMsg();
     out << nCount << " rules imported into type " << o.type << "\n";
-    if (nCount == 0 && !sRefused.empty()) err << "tarvos rules: " << sRefused << "\n";
+    if (sAfter != sBefore && !sAfter.empty()) err << "tarvos rules: refused (the last one): " << sAfter << "\n";
     return 0;
   }
   if (o.action == "list") {

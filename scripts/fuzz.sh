@@ -21,6 +21,16 @@ for target in "$build"/fuzz/*Fuzzer; do
       { printf '\001'; unzip -p "$doc" word/document.xml 2>/dev/null | head -c 60000; } > "$corpus/$base.xml"
     done
   fi
+  # The rule language starts from the default rule files and their patterns.
+  if [ "$name" = RuleFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
+    for rules in data/Rules/*.xml; do
+      base=$(basename "$rules" .xml)
+      { printf '\001'; cat "$rules"; } > "$corpus/$base.items"
+      grep -o '<rule>[^<]*</rule>' "$rules" | sed 's/<[/]*rule>//g' | head -20 | nl -nln | while read -r n pattern; do
+        { printf '\000'; printf '%s' "$pattern"; } > "$corpus/$base-$n.pattern"
+      done
+    done
+  fi
   # The format check starts from their bodies, read as theses (type 4).
   if [ "$name" = FormatCheckFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
     for doc in ../shared/corpus/real/zh/*.docx; do
