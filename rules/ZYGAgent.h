@@ -218,7 +218,6 @@ class CZYGAgent {
   std::vector<_tKeyVal> m_vecEndingDate;
   std::map<int, std::vector<size_t>> m_mapKeyId2Keys;  // key -> indexes into m_vecKeyVal
   int m_nTokenMatchedIndex = 0;
-  bool m_bOverwrite = false;
   tstring m_sResult;
   int m_nScanFormat = -1;  // format of the scan whose text is still to be made; -1: m_sResult is current
   std::vector<_tZYGScanResult> m_vecScanResult;
