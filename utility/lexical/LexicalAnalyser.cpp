@@ -25,22 +25,27 @@ int CLexicalAnalyser::ImportUserDict(const char* sFilename, bool bOverwrite) {
     SetLastError("ImportUserDict: file name is NULL");
     return 0;
   }
-  std::shared_ptr<const CUserDictionary> pOld = UserDict();
-  int nImported = 0, nRefused = 0;
-  std::shared_ptr<const CUserDictionary> pNew(
-      CUserDictionary::Import(bOverwrite ? nullptr : pOld.get(), sFilename, nImported, nRefused));
-  if (!pNew) return 0;
-  std::lock_guard<std::mutex> lock(m_mutexUser);
-  m_pUserDict = pNew;
-  return nImported;
+  return Import(bOverwrite, [&](const CUserDictionary* pBase, int& nImported, int& nRefused) {
+    return CUserDictionary::Import(pBase, sFilename, nImported, nRefused);
+  });
 }
 
 int CLexicalAnalyser::ImportUserText(const tstring& sText, bool bOverwrite) {
+  return Import(bOverwrite, [&](const CUserDictionary* pBase, int& nImported, int& nRefused) {
+    std::istringstream in(sText);
+    return CUserDictionary::ImportStream(pBase, in, "(user words)", nImported, nRefused);
+  });
+}
+
+int CLexicalAnalyser::Import(bool bOverwrite, const std::function<std::unique_ptr<CUserDictionary>(
+                                                   const CUserDictionary*, int&, int&)>& fnBuild) {
+  // One import at a time, so that two imports never both build on the same
+  // old dictionary and the words of one get lost.
+  std::lock_guard<std::mutex> importing(m_mutexImport);
   std::shared_ptr<const CUserDictionary> pOld = UserDict();
-  std::istringstream in(sText);
   int nImported = 0, nRefused = 0;
-  std::shared_ptr<const CUserDictionary> pNew(
-      CUserDictionary::ImportStream(bOverwrite ? nullptr : pOld.get(), in, "(user words)", nImported, nRefused));
+  std::shared_ptr<const CUserDictionary> pNew(fnBuild(bOverwrite ? nullptr : pOld.get(), nImported, nRefused));
+  if (!pNew) return 0;
   std::lock_guard<std::mutex> lock(m_mutexUser);
   m_pUserDict = pNew;
   return nImported;

@@ -4,6 +4,7 @@
 // Segmenting is read-only and safe from any number of threads; an import
 // publishes a new user dictionary whole, which later calls see, while calls
 // already running finish with the one they started with.
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <vector>
@@ -41,11 +42,15 @@ class CLexicalAnalyser {
 
  private:
   std::shared_ptr<const CUserDictionary> UserDict() const;
+  // Builds a dictionary on the current one (none with bOverwrite) and publishes it.
+  int Import(bool bOverwrite,
+             const std::function<std::unique_ptr<CUserDictionary>(const CUserDictionary*, int&, int&)>& fnBuild);
 
   CLexicon m_lexicon;
   CHmmModel m_hmm;
   std::unique_ptr<CSegmenter> m_pSegmenter;  // over m_lexicon and m_hmm
   tstring m_sDataPath;
+  std::mutex m_mutexImport;                           // one import at a time
   mutable std::mutex m_mutexUser;                     // guards the pointer below, not the dictionary
   std::shared_ptr<const CUserDictionary> m_pUserDict;  // immutable once published
 };
