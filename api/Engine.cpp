@@ -12,6 +12,7 @@
 #include "utility/CodeTrans.h"
 #include "utility/CountryDetect.h"
 #include "utility/ErrorLog.h"
+#include "utility/SearchClient.h"
 #include "utility/FileUtil.h"
 #include "utility/JsonText.h"
 #include "utility/Num2FontSize.h"
@@ -90,6 +91,9 @@ void CEngine::StartOptionalServices() {
     m_bCountryDetect = true;
     if (CountryDetect_Init(m_sDataDir.c_str()) == 0) SetLastError("Fail CountryDetect_Init ");
   }
+  // Without "SearchAgent.xml" the standard look-ups of the audit are skipped.
+  std::unique_ptr<CSearchClient> pSearch(new CSearchClient);
+  if (pSearch->Load(m_sDataDir)) m_pSearchClient = std::move(pSearch);
 }
 
 void CEngine::PublishServices() {
@@ -101,6 +105,7 @@ void CEngine::PublishServices() {
   m_services.pAnalyser = m_pAnalyser.get();
   m_services.pSimDict = m_pSimDict.get();
   m_services.pSpellDict = m_pSpellCheckDict.get();
+  m_services.pSearchClient = m_pSearchClient.get();
 }
 
 void CEngine::Stop() {
@@ -113,6 +118,7 @@ void CEngine::Stop() {
   m_pNum2FontSize.reset();
   m_pSimDict.reset();
   m_pSpellCheckDict.reset();
+  m_pSearchClient.reset();
   m_pAnalyser.reset();
   if (m_fpKG) fclose(m_fpKG);
   m_fpKG = nullptr;
@@ -167,6 +173,9 @@ tstring CEngine::InfoJson() const {
   services["spelling_dictionaries"] = m_pSimDict && m_pSpellCheckDict;
   services["knowledge_log"] = m_fpKG != nullptr;
   services["country_detection"] = m_bCountryDetect;
+  services["standards_search"] = m_pSearchClient ? m_pSearchClient->TiaowenHost() + ":" +
+                                                       std::to_string(m_pSearchClient->TiaowenPort())
+                                                 : tstring();
   root["instances"] = (Json::UInt64)m_instances.LiveCount();
   return JsonText(root);
 }

@@ -18,7 +18,8 @@
 // keyword scanner ("FilterCheck"); the format checker and the font-size
 // table ("FormatCheck"; -7 without sizes); the message catalogue (-6); the
 // two spelling dictionaries; "KnowGraph.txt"; the encoding recogniser;
-// country detection ("CountryDetect"); then instance 0. Non-fatal failures
+// country detection ("CountryDetect"); the standards search client
+// ("SearchAgent.xml", skipped when absent); then instance 0. Non-fatal failures
 // leave their reason as the last error.
 #include <cstdio>
 #include <memory>
@@ -98,6 +99,7 @@ class CEngine {
   std::unique_ptr<CID2Message> m_pError2Message;
   std::unique_ptr<CQueryExpand> m_pSimDict;
   std::unique_ptr<CQueryExpand> m_pSpellCheckDict;
+  std::unique_ptr<CSearchClient> m_pSearchClient;  // standards look-ups; null without "SearchAgent.xml"
   FILE* m_fpKG = nullptr;  // "KnowGraph.txt", opened for appending
   bool m_bCountryDetect = false;  // country detection was started
 

@@ -18,6 +18,7 @@ class CLexicalAnalyser;
 class CNum2FontSize;
 class CQueryExpand;
 class CZYGManager;
+class CSearchClient;
 
 // The switches of "ZYG-Configure.json" and their values before it is read.
 struct _tCheckSwitches {
@@ -40,4 +41,5 @@ struct _tCheckServices {
   const CLexicalAnalyser* pAnalyser = nullptr;      // segmenter; texts stay unsegmented without
   const CQueryExpand* pSimDict = nullptr;           // similar words
   const CQueryExpand* pSpellDict = nullptr;         // misspellings and corrections
+  const CSearchClient* pSearchClient = nullptr;     // standards look-ups; null without "SearchAgent.xml"
 };

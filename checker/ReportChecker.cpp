@@ -9,11 +9,13 @@
 #include "keyscan/KeyScanner.h"
 #include "reviser/DocReviser.h"
 #include "rules/Audit.h"
+#include "rules/AuditAgent.h"
 #include "rules/ZYGAgent.h"
 #include "rules/ZYGManager.h"
 #include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
 #include "utility/JsonText.h"
+#include "utility/SearchClient.h"
 
 namespace {
 const char kXmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
@@ -67,8 +69,8 @@ int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization
   m_nResultFormat = nResultFormat;
   m_pCheckResult->Reset();
   m_sKGResult.clear();
-  const CZYG* pRules = m_pServices->pRuleManager ? RuleSet(nType) : nullptr;
-  if (pRules) ExtractFacts(*pRules, bDebug);
+  const CAudit* pAudit = m_pServices->pRuleManager ? Processor(nType) : nullptr;
+  if (pAudit) Audit(*pAudit, bDebug);
   const _tCheckSwitches& switches = m_pServices->switches;
   if (switches.bFormatCheck && m_pServices->pFormatChecker)
     m_pServices->pFormatChecker->Check(*m_pDocument, *m_pCheckResult, m_nReportType,
@@ -77,28 +79,33 @@ int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization
   return 1;
 }
 
-const CZYG* CReportChecker::RuleSet(int nType) const {
+const CAudit* CReportChecker::Processor(int nType) const {
   if (m_pServices->pRuleManager == nullptr) {
     SetLastError("g_pZYGManager not init!");
     return nullptr;
   }
-  const CAudit* pAudit = m_pServices->pRuleManager->GetProcesser(nType);
+  return m_pServices->pRuleManager->GetProcesser(nType);
+}
+
+const CZYG* CReportChecker::RuleSet(int nType) const {
+  const CAudit* pAudit = Processor(nType);
   return pAudit ? pAudit->GetZYG() : nullptr;
 }
 
-void CReportChecker::ExtractFacts(const CZYG& rules, bool bDebug) {
-  CZYGAgent agent(&rules, m_pServices->pAnalyser);
+void CReportChecker::Audit(const CAudit& audit, bool bDebug) {
+  CZYGAgent agent(audit.GetZYG(), m_pServices->pAnalyser);
   agent.SetPunctuationCheck(m_pServices->switches.bPunctionCheck);
-  tstring sBase = m_pDocument->m_sPath.empty() ? "" : m_pDocument->m_sPath + "/../" + m_pDocument->m_sFilename;
-  agent.ScanDoc(m_pDocument.get(), sBase, m_nResultFormat, bDebug);
+  CAuditAgent auditAgent(&audit, &agent);
+  if (const CSearchClient* pSearch = m_pServices->pSearchClient)
+    auditAgent.SetSearchFunction([pSearch](const tstring& sQuery, bool bArgument, std::vector<SearchRecord>& vecRecords) {
+      return bArgument ? pSearch->Query(pSearch->ArgumentHost(), pSearch->ArgumentPort(), sQuery, vecRecords)
+                       : pSearch->Query(pSearch->TiaowenHost(), pSearch->TiaowenPort(), sQuery, vecRecords);
+    });
+  auditAgent.Check(m_pDocument.get(), m_pCheckResult.get(), m_nResultFormat, m_sOrganization, bDebug);
   m_sKGResult = agent.GetKGResult();
   m_sSingleKeyResult = agent.GetSingleKeyResult();
   m_sEntityKeyResult = agent.GetEntityResult();
   m_sTupleResult = agent.GetTupleResult();
-  for (_tCheckResult finding : agent.GetFindings()) {
-    finding.text = m_pDocument->GetText(finding.para_id);  // the paragraph as written, not as normalised
-    m_pCheckResult->AddResult(finding);
-  }
 }
 
 const char* CReportChecker::CheckMem(const char* sLine, int nType, int rule_id) {
@@ -111,14 +118,15 @@ const char* CReportChecker::CheckMem(const char* sLine, int nType, int rule_id) 
   return m_sResult.c_str();
 }
 
-const char* CReportChecker::ExtractKnowledge(int nType, int /*nResultFormat*/) {
+const char* CReportChecker::ExtractKnowledge(int nType, int nResultFormat) {
   m_nReportType = nType;
   m_pCheckResult->Reset();
-  const CZYG* pRules = RuleSet(nType);
-  if (pRules == nullptr) return nullptr;
-  CZYGAgent agent(pRules, m_pServices->pAnalyser);
-  agent.ScanDoc(m_pDocument.get(), "", 1, false);
-  return Keep(kTextExtractKnowledge, agent.GetKnowledgeJsonStr());
+  const CAudit* pAudit = Processor(nType);
+  if (pAudit == nullptr) return nullptr;
+  CZYGAgent agent(pAudit->GetZYG(), m_pServices->pAnalyser);
+  CAuditAgent auditAgent(pAudit, &agent);
+  auditAgent.ExtractKnowledge(m_pDocument.get(), nResultFormat);
+  return Keep(kTextExtractKnowledge, auditAgent.GetKnowledgeJsonStr());
 }
 
 int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int nTemplateID) {

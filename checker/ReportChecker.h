@@ -16,6 +16,7 @@
 #include "utility/TString.h"
 
 class CCheckResult;
+class CAudit;
 class CZYG;
 class CDocReviser;
 class CDocument;
@@ -52,9 +53,9 @@ class CReportChecker {
   // The template keys of the current document as JSON.
   const char* GetCurTemplateInfo();
 
-  // Runs every check over the imported document, in order: the rule set of
-  // the type (its values become the knowledge texts, its punctuation
-  // findings join the results; the audit rules are not built yet), format
+  // Runs every check over the imported document, in order: the rule-engine
+  // audit of the type (its values become the knowledge texts; the scan's
+  // punctuation findings and the failed audit rules join the results), format
   // check (when switched on), error-word check (when switched on), HTML
   // rendering. Returns 1.
   int Check(int nType, int nResultFormat, const char* sOrgnization, bool bDebug);
@@ -103,10 +104,13 @@ class CReportChecker {
   const CBufferManager& GetBufferManager() const { return *m_pBufManager; }
 
  private:
-  // The rule set of a document type; null with the reason as last error.
+  // The audit processor of a document type, and its rule set; null with the
+  // reason as last error.
+  const CAudit* Processor(int nType) const;
   const CZYG* RuleSet(int nType) const;
-  // Scans the document with the type's rule set and keeps its knowledge texts.
-  void ExtractFacts(const CZYG& rules, bool bDebug);
+  // Scans the document with the type's rule set, runs its audit rules
+  // (findings added) and keeps the knowledge texts.
+  void Audit(const CAudit& audit, bool bDebug);
   const char* Keep(EInstanceText eSlot, const tstring& sText) { return m_pBufManager->Keep(eSlot, sText); }
   // A fresh findings collection on the services' catalogue.
   std::unique_ptr<CCheckResult> NewCheckResult() const;

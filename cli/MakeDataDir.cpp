@@ -12,6 +12,7 @@
 #include "utility/CountryDetector.h"
 #include "utility/ErrorLog.h"
 #include "utility/Num2FontSize.h"
+#include "utility/SearchIndex.h"
 #include "utility/lexical/HmmModel.h"
 #include "utility/lexical/Lexicon.h"
 
@@ -43,11 +44,17 @@ int main(int argc, char** argv) {
   const std::string sSrc = std::string(argv[1]) + "/Data";
   const std::string sRoot = argv[2];
   const std::string sOut = sRoot + "/Data";
-  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country", sOut + "/Lexicon"})
+  for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country", sOut + "/Lexicon",
+                                    sOut + "/Standards"})
     if (!MakeDir(sDir)) return Fail("cannot create " + sDir);
 
-  for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model", "/Country/CountryList.txt"})
+  for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model", "/Country/CountryList.txt", "/SearchAgent.xml",
+                            "/Standards/standards.txt", "/Standards/requirements.txt"})
     if (!CopyFile(sSrc + sName, sOut + sName)) return Fail(std::string("cannot copy ") + sName);
+  // The search server's tables are loaded once here, so a line it would
+  // refuse fails the build.
+  CSearchIndex standards;
+  if (!standards.Load(sRoot)) return Fail("search server tables not valid");
 
   CID2Message catalogue;
   if (catalogue.Import((sSrc + "/Error/ErrorMessage.txt").c_str()) < 1)
@@ -76,7 +83,8 @@ int main(int argc, char** argv) {
 
   std::cout << "tarvos-mkdata: " << catalogue.GetMessages().size() << " messages, "
             << fontSizes.GetCount() << " font sizes, " << countries.GetCount() << " countries, "
-            << lexicon.GetCount() << " lexicon words -> " << sOut
+            << lexicon.GetCount() << " lexicon words, " << standards.GetStandardCount() << " standards, "
+            << standards.GetRequirementCount() << " required values -> " << sOut
             << "\n";
   return 0;
 }

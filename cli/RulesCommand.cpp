@@ -12,40 +12,51 @@
 
 namespace {
 
-int Fail(const std::string& sWhat, std::ostream& err) {
-  err << "tarvos rules: " << sWhat << ": " << TARVOS_GetLastErrorMsg() << "\n";
+int Fail(const _tRulesOptions& o, const std::string& sWhat, std::ostream& err) {
+  err << (o.audit ? "tarvos audit: " : "tarvos rules: ") << sWhat << ": " << TARVOS_GetLastErrorMsg() << "\n";
   return 1;
 }
 
+int Import(const _tRulesOptions& o, std::ostream& out, std::ostream& err) {
+  // A refused item leaves its reason as the last error; the others are imported.
+  const std::string sBefore = TARVOS_GetLastErrorMsg();
+  int nCount = TARVOS_ImportZYGRules(o.file.c_str(), o.overwrite, o.type);
+  if (nCount < 0) return Fail(o, "cannot import " + o.file, err);
+  const std::string sAfter = TARVOS_GetLastErrorMsg();
+  out << nCount << (o.audit ? " audit rules" : " rules") << " imported into type " << o.type << "\n";
+  if (sAfter != sBefore && !sAfter.empty())
+    err << (o.audit ? "tarvos audit" : "tarvos rules") << ": refused (the last one): " << sAfter << "\n";
+  return 0;
+}
+
 int Act(const _tRulesOptions& o, std::ostream& out, std::ostream& err) {
-  if (o.action == "import") {
-    // A refused item leaves its reason as the last error; the others are imported.
-    const std::string sBefore = TARVOS_GetLastErrorMsg();
-    int nCount = TARVOS_ImportZYGRules(o.file.c_str(), o.overwrite, o.type);
-    if (nCount < 0) return Fail("cannot import " + o.file, err);
-    const std::string sAfter = TARVOS_GetLastErrorMsg();
-    out << nCount << " rules imported into type " << o.type << "\n";
-    if (sAfter != sBefore && !sAfter.empty()) err << "tarvos rules: refused (the last one): " << sAfter << "\n";
-    return 0;
-  }
+  const char* sKind = o.audit ? "audit rule " : "rule ";
+  if (o.action == "import") return Import(o, out, err);
   if (o.action == "list") {
-    out << ZYG_GetRuleListId(o.type);
+    out << (o.audit ? Audit_GetRuleListId(o.type) : ZYG_GetRuleListId(o.type));
     return 0;
   }
   if (o.action == "show") {
-    const char* sJson = ZYG_GetRuleInfo(o.id, o.type);
-    if (sJson == nullptr || *sJson == '\0') return Fail("no rule " + std::to_string(o.id), err);
+    const char* sJson = o.audit ? Audit_GetRuleInfo(o.id, o.type) : ZYG_GetRuleInfo(o.id, o.type);
+    if (sJson == nullptr || *sJson == '\0') return Fail(o, "no " + std::string(sKind) + std::to_string(o.id), err);
     out << sJson;
     return 0;
   }
   if (o.action == "add") {
-    int nIndex = ZYG_AddRule(o.file.c_str(), o.type);
-    if (nIndex < 0) return Fail("rule refused", err);
-    out << "rule " << nIndex << " added to type " << o.type << "\n";
+    int nIndex = o.audit ? Audit_AddRule(o.file.c_str(), o.type) : ZYG_AddRule(o.file.c_str(), o.type);
+    if (nIndex < 0) return Fail(o, std::string(sKind) + "refused", err);
+    out << sKind << nIndex << " added to type " << o.type << "\n";
     return 0;
   }
-  if (ZYG_DelRule(o.id, o.type) < 0) return Fail("cannot delete rule " + std::to_string(o.id), err);
-  out << "deleted rule " << o.id << " of type " << o.type << "\n";
+  if (o.action == "edit") {
+    int nDone = o.audit ? Audit_EditRule(o.id, o.file.c_str(), o.type) : ZYG_EditRule(o.id, o.file.c_str(), o.type);
+    if (nDone < 0) return Fail(o, "cannot edit " + std::string(sKind) + std::to_string(o.id), err);
+    out << "edited " << sKind << o.id << " of type " << o.type << "\n";
+    return 0;
+  }
+  int nDone = o.audit ? Audit_DelRule(o.id, o.type) : ZYG_DelRule(o.id, o.type);
+  if (nDone < 0) return Fail(o, "cannot delete " + std::string(sKind) + std::to_string(o.id), err);
+  out << "deleted " << sKind << o.id << " of type " << o.type << "\n";
   return 0;
 }
 

@@ -73,21 +73,28 @@ int main(int argc, char** argv) {
   }
 
   _tRulesOptions rules;
-  CLI::App* pRules = app.add_subcommand("rules", "import, list, show, add and delete extraction rules");
-  pRules->require_subcommand(1);
-  auto fnRuleSub = [&](const char* szName, const char* szHelp) {
-    CLI::App* pSub = pRules->add_subcommand(szName, szHelp);
-    pSub->add_option("--type", rules.type, "document type (default 1)");
-    pSub->add_option("--data", sData, "data directory");
-    return pSub;
-  };
-  CLI::App* pRuleImport = fnRuleSub("import", "import XML <item> rules into a type's rule set");
-  pRuleImport->add_option("file", rules.file, "the rule file")->required();
-  pRuleImport->add_flag("--overwrite", rules.overwrite, "replace the type's rules instead of adding");
-  fnRuleSub("list", "the rules of a type as JSON");
-  fnRuleSub("show", "one rule as JSON")->add_option("id", rules.id, "rule index")->required();
-  fnRuleSub("add", "add a rule given as JSON")->add_option("json", rules.file, "the rule")->required();
-  fnRuleSub("delete", "delete a rule by index")->add_option("id", rules.id, "rule index")->required();
+  CLI::App* pRules = app.add_subcommand("rules", "import, list, show, add, edit and delete extraction rules");
+  CLI::App* pAudit = app.add_subcommand("audit", "import, list, show, add, edit and delete audit rules");
+  for (CLI::App* pKind : {pRules, pAudit}) {
+    pKind->require_subcommand(1);
+    auto fnRuleSub = [&](const char* szName, const char* szHelp) {
+      CLI::App* pSub = pKind->add_subcommand(szName, szHelp);
+      pSub->add_option("--type", rules.type, "document type (default 1)");
+      pSub->add_option("--data", sData, "data directory");
+      return pSub;
+    };
+    CLI::App* pImport = fnRuleSub("import", pKind == pRules ? "import XML <item> rules into a type's rule set"
+                                                            : "import an <audits> text into a type's audit rules");
+    pImport->add_option("file", rules.file, "the rule file")->required();
+    pImport->add_flag("--overwrite", rules.overwrite, "replace the type's rules instead of adding");
+    fnRuleSub("list", "the rules of a type as JSON");
+    fnRuleSub("show", "one rule as JSON")->add_option("id", rules.id, "rule index")->required();
+    fnRuleSub("add", "add a rule given as JSON")->add_option("json", rules.file, "the rule")->required();
+    CLI::App* pEdit = fnRuleSub("edit", "replace a rule by index with one given as JSON");
+    pEdit->add_option("id", rules.id, "rule index")->required();
+    pEdit->add_option("json", rules.file, "the rule")->required();
+    fnRuleSub("delete", "delete a rule by index")->add_option("id", rules.id, "rule index")->required();
+  }
 
   int nExtractType = 1;
   bool bExtractJson = false;
@@ -99,8 +106,9 @@ int main(int argc, char** argv) {
 
   CLI11_PARSE(app, argc, argv);
 
-  if (pRules->parsed()) {
-    rules.action = pRules->get_subcommands().front()->get_name();
+  if (pRules->parsed() || pAudit->parsed()) {
+    rules.audit = pAudit->parsed();
+    rules.action = (rules.audit ? pAudit : pRules)->get_subcommands().front()->get_name();
     return RunRules(ChooseDataDir(sData), rules, std::cout, std::cerr);
   }
   if (pExtract->parsed())

@@ -9,28 +9,12 @@
 
 namespace {
 
-// Trims and collapses every run of white space into one blank.
-tstring NormaliseBlanks(const tstring& sText) {
-  tstring sOut;
-  bool bBlank = false;
-  for (char c : sText) {
-    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
-      bBlank = !sOut.empty();
-      continue;
-    }
-    if (bBlank) sOut += ' ';
-    bBlank = false;
-    sOut += c;
-  }
-  return sOut;
-}
-
 std::vector<tstring> SplitNames(const tstring& sText) {
   std::vector<tstring> vecNames;
   size_t nStart = 0;
   while (nStart <= sText.size()) {
     size_t nEnd = sText.find(';', nStart);
-    tstring sName = NormaliseBlanks(sText.substr(nStart, nEnd == tstring::npos ? tstring::npos : nEnd - nStart));
+    tstring sName = CRuleText::NormaliseBlanks(sText.substr(nStart, nEnd == tstring::npos ? tstring::npos : nEnd - nStart));
     if (!sName.empty()) vecNames.push_back(sName);
     if (nEnd == tstring::npos) break;
     nStart = nEnd + 1;
@@ -67,6 +51,21 @@ tstring MemberText(const Json::Value& root, const char* sName) {
 }
 
 }  // namespace
+
+tstring CRuleText::NormaliseBlanks(const tstring& sText) {
+  tstring sOut;
+  bool bBlank = false;
+  for (char c : sText) {
+    if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
+      bBlank = !sOut.empty();
+      continue;
+    }
+    if (bBlank) sOut += ' ';
+    bBlank = false;
+    sOut += c;
+  }
+  return sOut;
+}
 
 bool CRuleText::ParseKGSet(const tstring& sText, std::vector<_tField2KG>& vecKG, tstring& sError) {
   vecKG.clear();

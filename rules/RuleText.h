@@ -38,6 +38,9 @@ class CRuleText {
   static int Json2RuleOrg(const tstring& sJson, _tRuleOrg& rule, tstring& sError);
   static Json::Value RuleOrg2Json(const _tRuleOrg& rule);
 
+  // Trims a value of a rule text and collapses each run of white space into one blank.
+  static tstring NormaliseBlanks(const tstring& sText);
+
   static bool ParseKGSet(const tstring& sText, std::vector<_tField2KG>& vecKG, tstring& sError);
   static tstring GetKGSetStr(const std::vector<_tField2KG>& vecKG);
 

@@ -8,7 +8,6 @@
 
 namespace {
 const char kManagerFile[] = "ZYG_Manager.dat";
-const char kAudits[] = "the audit rules (CAudit)";
 const uint64_t kMaxTypes = 1u << 20;  // far beyond any real count; refuses foreign files
 }  // namespace
 
@@ -78,17 +77,6 @@ CAudit* CZYGManager::Processer(int nType) {
   return pResult;
 }
 
-int CZYGManager::Missing(int nType, const char* sService, int nFail) {
-  Processer(nType);
-  return ServiceMissing(sService, nFail);
-}
-
-const char* CZYGManager::MissingText(int nType, const char* sService) {
-  Missing(nType, sService);
-  m_sResult.clear();
-  return m_sResult.c_str();
-}
-
 const char* CZYGManager::Keep(const char* sText) {
   m_sResult = sText ? sText : "";
   return m_sResult.c_str();
@@ -104,29 +92,53 @@ int CZYGManager::ImportZYGRules(const char* sFile, bool bOverwrite, int nType) {
   return ImportZYGRulesFromMem(sText.c_str(), bOverwrite, nType);
 }
 
+// A text may hold rules for the rule set ("<item>") and audit rules
+// ("<audit>"). The rule set goes first: audit fields are its attribute names.
 int CZYGManager::ImportZYGRulesFromMem(const char* sText, bool bOverwrite, int nType) {
-  tstring s = sText ? sText : "";
-  if (s.find("<audit>") != tstring::npos) return Missing(nType, kAudits, 0);
-  return RuleSet(nType).ImportRuleFromMem(s.c_str(), bOverwrite);
+  const tstring s = sText ? sText : "";
+  CAudit& audit = *Processer(nType);
+  const bool bAudits = s.find("<audit>") != tstring::npos;
+  int nRules = 0;
+  if (!bAudits || s.find("<item>") != tstring::npos) {
+    nRules = AfterRuleSetEdit(audit, audit.GetZYG()->ImportRuleFromMem(s.c_str(), bOverwrite));
+    if (nRules < 0 || !bAudits) return nRules;
+  }
+  int nAudits = audit.ImportFromMem(s.c_str(), bOverwrite);
+  return nAudits < 0 ? -1 : nRules + nAudits;
 }
 
-int CZYGManager::AddRule(const char*, int nType) { return Missing(nType, kAudits); }
+int CZYGManager::AfterRuleSetEdit(CAudit& audit, int nResult) {
+  if (nResult >= 0) {
+    tstring sError = GetLastError();  // a partial import keeps its refusal as the last error
+    audit.RuleSetChanged();
+    SetLastError(sError);
+  }
+  return nResult;
+}
+
+int CZYGManager::AddRule(const char* sText, int nType) { return Processer(nType)->AddRule(sText); }
 
 const char* CZYGManager::GetZYGSysInfo() {
   CZYG rules("", 0);
   return Keep(rules.GetSysInfo());
 }
 
-const char* CZYGManager::GetAuditSysInfo(int nType) { return MissingText(nType, kAudits); }
+const char* CZYGManager::GetAuditSysInfo(int nType) { return Keep(Processer(nType)->GetSysInfo()); }
 const char* CZYGManager::GetZYGRuleListId(int nType) { return Keep(RuleSet(nType).GetRuleListId()); }
 const char* CZYGManager::GetZYGRuleInfo(int rule_id, int nType) { return Keep(RuleSet(nType).GetItem(rule_id)); }
-int CZYGManager::DelZYGRule(int rule_id, int nType) { return RuleSet(nType).DeleteItem(rule_id); }
-int CZYGManager::AddZYGRule(const char* sJsonStr, int nType) { return RuleSet(nType).AddItem(sJsonStr); }
-int CZYGManager::EditZYGRule(int rule_id, const char* sJsonStr, int nType) {
-  return RuleSet(nType).EditItem(rule_id, sJsonStr);
+int CZYGManager::DelZYGRule(int rule_id, int nType) {
+  return AfterRuleSetEdit(*Processer(nType), RuleSet(nType).DeleteItem(rule_id));
 }
-const char* CZYGManager::GetAuditRuleListId(int nType) { return MissingText(nType, kAudits); }
-const char* CZYGManager::GetAuditRuleInfo(int, int nType) { return MissingText(nType, kAudits); }
-int CZYGManager::DelAuditRule(int, int nType) { return Missing(nType, kAudits); }
-int CZYGManager::AddAuditRule(const char*, int nType) { return Missing(nType, kAudits); }
-int CZYGManager::EditAuditRule(int, const char*, int nType) { return Missing(nType, kAudits); }
+int CZYGManager::AddZYGRule(const char* sJsonStr, int nType) {
+  return AfterRuleSetEdit(*Processer(nType), RuleSet(nType).AddItem(sJsonStr));
+}
+int CZYGManager::EditZYGRule(int rule_id, const char* sJsonStr, int nType) {
+  return AfterRuleSetEdit(*Processer(nType), RuleSet(nType).EditItem(rule_id, sJsonStr));
+}
+const char* CZYGManager::GetAuditRuleListId(int nType) { return Keep(Processer(nType)->GetListId()); }
+const char* CZYGManager::GetAuditRuleInfo(int rule_id, int nType) { return Keep(Processer(nType)->GetItem(rule_id)); }
+int CZYGManager::DelAuditRule(int rule_id, int nType) { return Processer(nType)->DeleteItem(rule_id); }
+int CZYGManager::AddAuditRule(const char* sJsonStr, int nType) { return Processer(nType)->AddItem(sJsonStr); }
+int CZYGManager::EditAuditRule(int rule_id, const char* sJsonStr, int nType) {
+  return Processer(nType)->EditItem(rule_id, sJsonStr);
+}

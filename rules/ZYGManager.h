@@ -5,11 +5,13 @@
 // "ZYG_Manager.dat": u64 count, then per type one i32 type number, ascending.
 //
 // Every operation on a type creates the type's processor when it is new (and
-// records the type). The rule-set calls act on the type's CZYG; the audit
-// rules are not built yet, so their calls report the missing service.
-// Importing takes a text of extraction rules ("<item>" elements, which it
-// imports into the type's rule set) and audit rules ("<audit>" elements,
-// refused as missing for now).
+// records the type). The rule-set calls act on the type's CZYG, the audit
+// calls on its CAudit. Importing takes a text of extraction rules ("<item>"
+// elements, imported into the type's rule set) and audit rules ("<audit>"
+// elements, imported into its audit rules), either or both; the rule set
+// goes first, since audit fields are its attribute names.
+// An edit of a rule set may renumber its attributes, so every successful one
+// is followed by compiling the type's audit rules again (CAudit::RuleSetChanged).
 #include <map>
 #include <memory>
 
@@ -34,6 +36,9 @@ class CZYGManager {
   CAudit* GetProcesser(int nType);
   const CAudit* GetProcesser(int nType) const;
 
+  // Importing returns the number of rules and audit rules added; -1 when
+  // the file cannot be read or either part fails as a whole.
+  // AddRule adds one "<audit>" item to the audit rules and saves them.
   // Texts below stay valid until the next call returning text.
   int ImportZYGRules(const char* sFile, bool bOverwrite, int nType);
   int ImportZYGRulesFromMem(const char* sText, bool bOverwrite, int nType);
@@ -57,9 +62,9 @@ class CZYGManager {
  private:
   // The processor of a type, created, recorded and saved when it is new.
   CAudit* Processer(int nType);
-  // Creates the type's processor, then reports sService as missing: nFail.
-  int Missing(int nType, const char* sService, int nFail = -1);
-  const char* MissingText(int nType, const char* sService);
+  // After an edit of the type's rule set that returned nResult: compiles
+  // the audit rules again when it succeeded. Returns nResult.
+  int AfterRuleSetEdit(CAudit& audit, int nResult);
   // The type's rule set, its processor created when new.
   CZYG& RuleSet(int nType) { return *Processer(nType)->GetZYG(); }
   const char* Keep(const char* sText);

@@ -115,7 +115,6 @@ TEST_F(InstanceTest, MissingServicesNameThemselves) {
     const char* szService;
   } kCases[] = {
       {"ReviseReportF", [] { return TARVOS_ReviseReportF("a.xml", 0) == nullptr; }, "CDocReviser"},
-      {"Audit_AddRule", [] { return Audit_AddRule("{}", 1) == -1; }, "CAudit"},
       {"CheckReportDir", [] { return TARVOS_CheckReportDir("/tmp", "", 1, 0, 2) == -1; }, "TARVOS_CheckReportDir"},
   };
   for (const auto& c : kCases) {

@@ -62,6 +62,9 @@ std::set<std::string> RulesThatFound(const std::string& sDoc, int nType) {
   for (const char* szList : {"KeyVals", "SingleKey_result"})
     for (const Json::Value& value : root[szList]) setFound.insert(value["rule_used"].asString());
   if (!root["Tuples"].empty()) setFound.insert("tuple");
+  for (const Json::Value& table : root["Tables"])
+    for (const Json::Value& row : table["rows"])
+      for (const Json::Value& cell : row["Cols"]) setFound.insert(cell["rule_used"].asString());
   const char* sJson = TARVOS_CheckReportF(sDoc.c_str(), "", "", nType, 1, false, 0);
   EXPECT_NE(sJson, nullptr) << TARVOS_GetLastErrorMsg();
   const Json::Value result = ParseJson(sJson ? sJson : "{}");
@@ -98,7 +101,7 @@ TEST_F(RuleApiTest, DefaultContractRulesFindTheirFactsInAContract) {
        {"建设工程施工合同", "甲方（发包人）：某市水务集团有限公司", "乙方（承包人）：华东建设工程有限公司",
         "合同总价款为人民币1,250,000.00元（大写：壹佰贰拾伍万元整）。", "合同工期：2023年6月1日至2024年5月31日。",
         "签订日期：2023年5月20日。", "签订地点：中国杭州。", "乙方联系电话：13812345678，电子邮箱：pm@huadong-build.cn。",
-        "本工程执行GB 50300-2013标准。"})
+        "本工程执行《建筑工程施工质量验收统一标准》GB 50300-2013。"})
     sBody += Para(TextRun(szLine));
   std::string sDoc = m_data.Root() + "/contract.docx";
   ASSERT_TRUE(WriteDocx(sDoc, sBody));
