@@ -56,6 +56,8 @@ enum EThreadSlot {
   kSlotErrorInfo,
   kSlotEngineInfo,
   kSlotSegment,
+  kSlotKeyScan,
+  kSlotKeyScanError,
   kSlotCount
 };
 

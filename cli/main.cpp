@@ -8,6 +8,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
 #include "cli/StructCommand.h"
+#include "cli/DictCommand.h"
 #include "cli/RulesCommand.h"
 #include "cli/TemplateCommand.h"
 
@@ -104,7 +105,32 @@ int main(int argc, char** argv) {
   pExtract->add_flag("--json", bExtractJson, "print the values as JSON");
   pExtract->add_option("--data", sData, "data directory");
 
+  _tDictOptions dict;
+  CLI::App* pDict = app.add_subcommand("dict", "import, export, delete and scan keyword lists and error words");
+  pDict->require_subcommand(1);
+  for (const char* szAction : {"import", "export", "delete", "scan"}) {
+    CLI::App* pSub = pDict->add_subcommand(szAction, std::string(szAction) == "scan"
+                                                         ? "scan standard input line by line with a keyword list"
+                                                         : std::string(szAction) + " a keyword list's user dictionary");
+    pSub->add_option("--handle", dict.handle, "keyword list number (default 0)");
+    pSub->add_option("--data", sData, "data directory");
+    if (std::string(szAction) == "scan") {
+      pSub->add_option("--mode", dict.mode, "0 words, 1 lines (default), 2 JSON, 3 corrections");
+      continue;
+    }
+    pSub->add_option("file", dict.file, "the user dictionary")->required();
+    if (std::string(szAction) == "import") {
+      pSub->add_flag("--overwrite", dict.overwrite, "replace the list instead of adding to it");
+      pSub->add_flag("--abbrev", dict.abbrev, "also add pinyin initials of entries with pinyin flag 1");
+    }
+  }
+
   CLI11_PARSE(app, argc, argv);
+
+  if (pDict->parsed()) {
+    dict.action = pDict->get_subcommands().front()->get_name();
+    return RunDict(ChooseDataDir(sData), dict, std::cin, std::cout, std::cerr);
+  }
 
   if (pRules->parsed() || pAudit->parsed()) {
     rules.audit = pAudit->parsed();

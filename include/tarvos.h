@@ -122,9 +122,10 @@ TARVOS_API int TARVOS_ImportSpellErrorDict(const char* sSpellErrorDict);
    Returns the number of words imported; 0 on failure. */
 TARVOS_API int TARVOS_ImportUserDict(const char* sUserDict);
 
-/* Imports a keyword dictionary into the keyword scanner (lines
-   "keyword class weight pinyin_flag"). Returns the number of keywords
-   imported; 0 on failure, also when the scanner is off ("FilterCheck"). */
+/* Imports a keyword dictionary into list 0 of the engine's keyword scanner
+   (see KS_ImportUserDict for the format). Returns the number of keywords
+   and expressions imported; 0 on failure, also when the scanner is off
+   ("FilterCheck"). */
 TARVOS_API int TARVOS_ImportFieldDict(const char* sFiledDictFile, bool bPinyinAbbrevNeeded,
                                       bool bOverwrite);
 
@@ -350,6 +351,57 @@ TARVOS_API const char* ZYG_ScanDoc(const char* sDocFile, int nDocType, bool bDeb
 TARVOS_API const char* ZYG_ScanTextFile(const char* sTextFile, bool bDebug, int handle);
 /* Same text as TARVOS_GetLastErrorMsg. Owner: engine (THREAD). Never NULL. */
 TARVOS_API const char* ZYG_GetLastErrorMsg(void);
+
+/* ===================================================================== */
+/* Keyword scanner: keyword lists, expressions and error words             */
+/* ===================================================================== */
+/* Keyword lists live in "<data>/KeyScanner/Filter<handle>_*", one list per
+   handle 0..1023. TARVOS_Init starts the engine's scanner when "FilterCheck"
+   is on; the KS_ calls use it unless KS_Init started a scanner of their own
+   (KS_Init and KS_Exit must not overlap other KS_ calls). Scans may run on
+   many threads, also while a list is imported: a scan sees a list whole,
+   before or after the import.
+
+   A user dictionary has one entry a line (at most 3072 bytes), read as
+   "keyword class weight pinyin_flag" (class "filter", weight 1, flag 0 when
+   missing); "[key word] class" holds a keyword with blanks. A keyword must be
+   longer than one byte and than one Chinese character. The keyword field may
+   also be an expression: "A&B" (both occur), "A&!C" (A without C),
+   "A~5~B" (B starts at most 5 characters after A ends), clauses joined by
+   "&"; or a correction pair "wrong-->right". Keywords of class "protect"
+   are not reported and hide every other hit inside them. At most 255
+   classes a list. */
+
+/* Starts a scanner on a data directory and loads every list there (texts
+   are UTF-8; nEncoding is accepted and ignored). Returns 1; 0 when the
+   directory cannot be read or a list is damaged (the others are loaded). */
+TARVOS_API int KS_Init(const char* sDataPath, int nEncoding);
+/* Stops the scanner KS_Init started; the KS_ calls then use the engine's. */
+TARVOS_API void KS_Exit(void);
+/* Scans a UTF-8 text with list nHandle. Modes (offsets in bytes):
+     0  the keywords found, "word/class" separated by blanks;
+     1  a line per hit: "offset\tlength\tkind\tword\tclass\tweight\tcorrection",
+        kind "keyword", "pinyin", "complex" or "correction";
+     2  the hits as a JSON array of objects with those keys;
+     3  the corrections, "(Check n)right-->wrong##right-->wrong$", in text order.
+   "" when nothing is found, for another mode or an unknown handle; NULL
+   when no scanner is started. Owner: engine (THREAD). */
+TARVOS_API const char* KS_ScanDetail(const char* sText, int nMode, int nHandle);
+/* Imports a user dictionary into list nHandle (created when new), onto the
+   current list unless bOverwrite; bAbbrevNeeded adds pinyin initials to the
+   pinyin of entries with flag 1. Refused lines are logged and skipped.
+   Returns the number of keywords and expressions imported; 0 when the file
+   cannot be read or the list cannot be built (the list and its files are
+   then left as they were). */
+TARVOS_API int KS_ImportUserDict(const char* sFilename, bool bAbbrevNeeded, bool bOverwrite, int nHandle);
+/* Removes the keywords and expressions named by the lines of a file (same
+   line format) from list nHandle. Returns the number removed; -1 on failure. */
+TARVOS_API int KS_DeleteUserDict(const char* sFilename, int nHandle);
+/* Writes list nHandle as "Word\tClass\tWeight" lines after that header.
+   Returns the number of entries written; -1 on failure. */
+TARVOS_API int KS_ExportKeyDict(const char* sFilename, int nHandle);
+/* The scanner's last failure, "" if none. Owner: engine (THREAD). Never NULL. */
+TARVOS_API const char* KS_GetLastErrorMsg(void);
 
 #ifdef __cplusplus
 }

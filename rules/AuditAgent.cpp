@@ -669,20 +669,23 @@ int CAuditAgent::ProcessInclude(const std::vector<audit_rule_unit>& units, int n
   return 1;
 }
 
+// The "( field )" that follows a function's name at m_nPos.
+bool CAuditAgent::FieldArgument(const std::vector<audit_rule_unit>& units, const char* sOperator) {
+  const size_t i = m_nPos;
+  const char* sMissing = nullptr;
+  if (i + 1 >= units.size() || !IsOp(units[i + 1], kOpOpen))
+    sMissing = "'('";
+  else if (i + 2 >= units.size() || units[i + 2].type != kUnitField || units[i + 2].val < 0)
+    sMissing = "'fieldname'";
+  else if (i + 3 >= units.size() || !IsOp(units[i + 3], kOpClose))
+    sMissing = "')'";
+  if (sMissing) SetLastError(tstring("There is no ") + sMissing + " in " + sOperator + " operator");
+  return sMissing == nullptr;
+}
+
 int CAuditAgent::ProcessSum(const std::vector<audit_rule_unit>& units, int /*nType*/) {
   size_t i = m_nPos;
-  if (i + 1 >= units.size() || !IsOp(units[i + 1], kOpOpen)) {
-    SetLastError("There is no '(' in sum operator");
-    return -1;
-  }
-  if (i + 2 >= units.size() || units[i + 2].type != kUnitField || units[i + 2].val < 0) {
-    SetLastError("There is no 'fieldname' in sum operator");
-    return -1;
-  }
-  if (i + 3 >= units.size() || !IsOp(units[i + 3], kOpClose)) {
-    SetLastError("There is no ')' in sum operator");
-    return -1;
-  }
+  if (!FieldArgument(units, "sum")) return -1;
   int nKey = KeyOfAttribute(units[i + 2].val);
   double fSum = 0;
   for (const _tTuple& row : *m_pCurTable) {
@@ -702,18 +705,7 @@ int CAuditAgent::ProcessSum(const std::vector<audit_rule_unit>& units, int /*nTy
 
 int CAuditAgent::ProcessInteger(const std::vector<audit_rule_unit>& units, int nType) {
   size_t i = m_nPos;
-  if (i + 1 >= units.size() || !IsOp(units[i + 1], kOpOpen)) {
-    SetLastError("There is no '(' in integer operator");
-    return -1;
-  }
-  if (i + 2 >= units.size() || units[i + 2].type != kUnitField || units[i + 2].val < 0) {
-    SetLastError("There is no 'fieldname' in integer operator");
-    return -1;
-  }
-  if (i + 3 >= units.size() || !IsOp(units[i + 3], kOpClose)) {
-    SetLastError("There is no ')' in integer operator");
-    return -1;
-  }
+  if (!FieldArgument(units, "integer")) return -1;
   const _tKeyVal* pValue = FieldValue(units[i + 2].val, nType);
   double f = 0;
   if (pValue == nullptr || sscanf(pValue->key_value.c_str(), "%lf", &f) != 1) {

@@ -257,6 +257,8 @@ class CAuditAgent {
   // Evaluation steps.
   int PushText(const tstring& sText, const audit_rule_unit& unit, bool bFromField);
   int ProcessInclude(const std::vector<audit_rule_unit>& units, int nOp);
+  // False, with the missing piece named in the last error, unless "( field )" follows.
+  bool FieldArgument(const std::vector<audit_rule_unit>& units, const char* sOperator);
   int ProcessSum(const std::vector<audit_rule_unit>& units, int nType);
   int ProcessInteger(const std::vector<audit_rule_unit>& units, int nType);
   int Compute(const std::vector<audit_rule_unit>& units);

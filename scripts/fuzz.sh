@@ -21,6 +21,14 @@ for target in "$build"/fuzz/*Fuzzer; do
       { printf '\001'; unzip -p "$doc" word/document.xml 2>/dev/null | head -c 60000; } > "$corpus/$base.xml"
     done
   fi
+  # The keyword lists start from the default error words and a few expressions.
+  if [ "$name" = KeyScanFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
+    for list in data/KeyScanner/*.txt; do
+      [ -f "$list" ] || continue
+      { printf '\001'; head -40 "$list"; } > "$corpus/$(basename "$list" .txt).keys"
+    done
+    printf '\000合同&违约~5~责任 law 2\n[New York] city 3 0\n中国 c 1 1\n!草案&合同\n' > "$corpus/expressions.keys"
+  fi
   # The rule language starts from the default rule files and their patterns.
   if [ "$name" = RuleFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
     for rules in data/Rules/*.xml; do

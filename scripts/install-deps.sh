@@ -13,6 +13,7 @@ PACKAGES=(
   python3-jieba
   libuchardet-dev
   libicu-dev
+  libime-data-language-model libimecore-dev libfcitx5utils-dev
   binutils
   clang libclang-rt-14-dev
   bc unzip

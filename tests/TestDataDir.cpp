@@ -5,7 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <memory>
 #include <stdexcept>
+
+#include <gtest/gtest.h>
 
 namespace fs = std::filesystem;
 
@@ -36,6 +39,8 @@ CTestDataDir::CTestDataDir() : m_sRoot(MakeTempFolder()) {
     else
       fs::copy(entry.path(), m_sRoot + "/Data/" + sName, fs::copy_options::recursive);
   }
+  const fs::path keywords = fs::path(TARVOS_TEST_DATA_DIR) / "KeyScanner";
+  if (fs::exists(keywords)) fs::copy(keywords, m_sRoot + "/KeyScanner", fs::copy_options::recursive);
 }
 
 CTestDataDir::~CTestDataDir() {
@@ -64,4 +69,15 @@ std::string ReadTodaysLog(const std::string& sLogDir, const char* szExtension) {
   localtime_r(&tNow, &tmNow);
   strftime(sDate, sizeof(sDate), "%Y%m%d", &tmNow);
   return ReadWholeFile(sLogDir + "/" + sDate + szExtension);
+}
+
+Json::Value ParseJson(const std::string& sText) {
+  Json::CharReaderBuilder builder;
+  Json::CharReaderBuilder::strictMode(&builder.settings_);
+  std::unique_ptr<Json::CharReader> pReader(builder.newCharReader());
+  Json::Value root;
+  std::string sErrors;
+  EXPECT_TRUE(pReader->parse(sText.data(), sText.data() + sText.size(), &root, &sErrors))
+      << sErrors << sText.substr(0, 200);
+  return root;
 }

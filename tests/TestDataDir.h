@@ -5,6 +5,8 @@
 // The folder is removed when the object goes out of scope.
 #include <string>
 
+#include <json/json.h>
+
 class CTestDataDir {
  public:
   CTestDataDir();
@@ -42,3 +44,7 @@ std::string ReadWholeFile(const std::string& sPath);
 
 // Today's log file of a kind (".err" or ".log") in a logging folder, read whole.
 std::string ReadTodaysLog(const std::string& sLogDir, const char* szExtension = ".err");
+
+// A JSON text parsed strictly; a text that does not parse fails the test
+// that asked (and gives a null value).
+Json::Value ParseJson(const std::string& sText);

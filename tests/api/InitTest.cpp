@@ -201,6 +201,7 @@ TEST_F(InitTest, ImportCallsReachTheirServices) {
   EXPECT_EQ(TARVOS_ImportSimDict("x.txt"), 0);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "g_pSimDict not init!");
   EXPECT_EQ(TARVOS_ImportUserDict(m_data.Data("user.txt").c_str()), 0) << "the analyser starts with the engine";
+  m_data.Write("ZYG-Configure.json", R"({"FilterCheck": "off"})");
   ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
   EXPECT_EQ(TARVOS_ImportUserDict("x.txt"), 0);
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "Fail read file x.txt");

@@ -53,6 +53,11 @@ const NullCase kNullCases[] = {
     {"ZYG_ScanDocXML", [] { return IsEmpty(ZYG_ScanDocXML(nullptr, false, 0)); }},
     {"ZYG_ScanDoc", [] { return IsEmpty(ZYG_ScanDoc(nullptr, 1, false, 0)); }},
     {"ZYG_ScanTextFile", [] { return IsEmpty(ZYG_ScanTextFile(nullptr, false, 0)); }},
+    {"KS_Init", [] { return KS_Init(nullptr, 1) == 0; }},
+    {"KS_ScanDetail", [] { return KS_ScanDetail(nullptr, 3, 0) == nullptr; }},
+    {"KS_ImportUserDict", [] { return KS_ImportUserDict(nullptr, true, true, 0) == 0; }},
+    {"KS_DeleteUserDict", [] { return KS_DeleteUserDict(nullptr, 0) == -1; }},
+    {"KS_ExportKeyDict", [] { return KS_ExportKeyDict(nullptr, 0) == -1; }},
 };
 
 // Calls without pointer arguments that still must fail cleanly when the

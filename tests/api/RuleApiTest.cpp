@@ -19,15 +19,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-Json::Value ParseJson(const std::string& sText) {
-  Json::Value root;
-  std::istringstream in(sText);
-  Json::CharReaderBuilder builder;
-  std::string sErrors;
-  EXPECT_TRUE(Json::parseFromStream(builder, in, &root, &sErrors)) << sText.substr(0, 200);
-  return root;
-}
-
 // The sample report of examples/ packed as a DOCX.
 std::string PackSampleReport(const std::string& sDir) {
   const fs::path src = fs::path(TARVOS_SOURCE_DIR) / "examples/sample_report";

@@ -8,6 +8,7 @@
 #include "checker/CheckResult.h"
 #include "checker/ReportChecker.h"
 #include "docx/Document.h"
+#include "keyscan/KeyScanner.h"
 
 namespace {
 
@@ -52,6 +53,32 @@ TEST(ReportCheckerTest, ChecksOnAnEngineBuiltDirectly) {
   EXPECT_NE(std::find(vecIds.begin(), vecIds.end(), "1.6"), vecIds.end()) << "a heading without contents";
   EXPECT_EQ(checker.GetDocument().m_vecParagraph.size(), 2u);
   EXPECT_EQ(checker.GetDocument().m_vecParagraph[1].segment_txt, "正文/nz 。/wj") << "segmented by the engine's analyser";
+}
+
+// Correction pairs of a keyword list reach the error-word check through the
+// scanner, in body text and table cells alike; a protected word hides the
+// wrong form inside it.
+TEST(ReportCheckerTest, ErrorWordsOfTheKeywordListBecomeFindings) {
+  CTestDataDir data;
+  data.Write("ZYG-Configure.json", R"({"FilterCheck": "on", "FormatCheck": "off"})");
+  data.Write("errors.txt", "按装-->安装 errorword\n既使-->即使 errorword\n既使用 protect\n");
+  CEngine engine;
+  ASSERT_EQ(engine.Start(data.Root().c_str()), 1);
+  ASSERT_EQ(engine.GetKeyScanner()->ImportUserDict(data.Data("errors.txt").c_str(), false, true, 0), 3);
+  std::string sDoc = data.Root() + "/report.docx";
+  const std::string sCell = "<w:tbl><w:tr><w:tc>" + Para(TextRun("表中按装")) + "</w:tc></w:tr></w:tbl>";
+  ASSERT_TRUE(WriteDocx(sDoc, Para(TextRun("我们按装了") + TextRun("软件，既使下雨")) +
+                                  Para(TextRun("既使用了伞")) + sCell));
+  CReportChecker checker(&engine.Services());
+  ASSERT_EQ(checker.ImportFile(sDoc.c_str(), "", 1, 1), 1);
+  ASSERT_EQ(checker.Check(1, 1, "", false), 1);
+  std::vector<std::string> vecFound;
+  for (const _tCheckResult& r : checker.GetCheckResult().GetFindings())
+    if (r.error_id == "1.5.2")
+      vecFound.push_back(r.org_str + ">" + r.new_str + "@" + std::to_string(r.offset) + ":" + r.text);
+  const std::vector<std::string> vecExpected = {
+      "按装>安装@6:我们按装了软件，既使下雨", "既使>即使@24:我们按装了软件，既使下雨", "按装>安装@6:表中按装"};
+  EXPECT_EQ(vecFound, vecExpected);
 }
 
 }  // namespace

@@ -74,16 +74,6 @@ std::string XmlProblem(const std::string& s) {
   return vecOpen.empty() && bRootDone ? "" : "unclosed elements or no root";
 }
 
-Json::Value ParseJson(const std::string& sText) {
-  Json::CharReaderBuilder builder;
-  Json::CharReaderBuilder::strictMode(&builder.settings_);
-  std::unique_ptr<Json::CharReader> pReader(builder.newCharReader());
-  Json::Value root;
-  std::string sErrors;
-  EXPECT_TRUE(pReader->parse(sText.data(), sText.data() + sText.size(), &root, &sErrors)) << sErrors << sText;
-  return root;
-}
-
 std::string Keys(const Json::Value& object) {
   std::string s;
   for (const auto& sKey : object.getMemberNames()) s += sKey + ",";

@@ -26,15 +26,6 @@ const std::string kTwoRules = Item("1.1", "{[报告日期;编制日期]}{[：;:]
                                    "<keyname>single_date</keyname>") +
                               Item("1.2", "{[甲方]}{[：]}{[/n;/nt]}s", "extract", "party_a|甲方;");
 
-Json::Value ParseJson(const std::string& sText) {
-  Json::Value root;
-  std::istringstream in(sText);
-  Json::CharReaderBuilder builder;
-  std::string sErrors;
-  EXPECT_TRUE(Json::parseFromStream(builder, in, &root, &sErrors)) << sText;
-  return root;
-}
-
 std::string AllRulesJson(CZYG& zyg) {
   std::string s;
   for (size_t i = 0; i < zyg.GetRuleCount(); ++i) s += zyg.GetItem((int)i);
