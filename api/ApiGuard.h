@@ -56,6 +56,7 @@ enum EThreadSlot {
   kSlotErrorInfo,
   kSlotEngineInfo,
   kSlotSegment,
+  kSlotSpelling,
   kSlotKeyScan,
   kSlotKeyScanError,
   kSlotCount

@@ -17,6 +17,7 @@
 #include "utility/JsonText.h"
 #include "utility/Num2FontSize.h"
 #include "utility/QueryExpand.h"
+#include "utility/SpellChecker.h"
 #include "utility/lexical/Lexical.h"
 
 namespace {
@@ -82,6 +83,7 @@ void CEngine::StartOptionalServices() {
   const tstring sData = m_sDataDir + "/Data";
   m_pSimDict.reset(new CQueryExpand(sData.c_str(), nullptr));
   m_pSpellCheckDict.reset(new CQueryExpand(sData.c_str(), "SpellError"));
+  if (Switches().bSpellingCheck) StartSpellCheck();
   const tstring sKG = sData + "/KnowGraph.txt";
   m_fpKG = fopen(sKG.c_str(), "at+");
   if (m_fpKG == nullptr) SetLastError("Fail writing file " + sKG);
@@ -96,6 +98,20 @@ void CEngine::StartOptionalServices() {
   if (pSearch->Load(m_sDataDir)) m_pSearchClient = std::move(pSearch);
 }
 
+// The misspellings must segment as whole words for the check to see them.
+void CEngine::StartSpellCheck() {
+  if (!m_pAnalyser) return;
+  const tstring sUserWords = m_pSpellCheckDict->GetFilename() + "_userdict.txt";
+  if (IsRegularFile(sUserWords)) m_pAnalyser->ImportUserDict(sUserWords.c_str(), false);
+  std::unique_ptr<CSpellChecker> pChecker(
+      new CSpellChecker(m_pAnalyser.get(), m_pSimDict.get(), m_pSpellCheckDict.get()));
+  if (pChecker->Load(m_sDataDir, CLanguageModel::DefaultModelFile())) {
+    m_pSpellChecker = std::move(pChecker);
+  } else {
+    WriteError("Spelling check not started: " + GetLastError());
+  }
+}
+
 void CEngine::PublishServices() {
   m_services.pMessages = m_pError2Message.get();
   m_services.pFontSizes = m_pNum2FontSize.get();
@@ -105,6 +121,7 @@ void CEngine::PublishServices() {
   m_services.pAnalyser = m_pAnalyser.get();
   m_services.pSimDict = m_pSimDict.get();
   m_services.pSpellDict = m_pSpellCheckDict.get();
+  m_services.pSpellChecker = m_pSpellChecker.get();
   m_services.pSearchClient = m_pSearchClient.get();
 }
 
@@ -116,6 +133,7 @@ void CEngine::Stop() {
   m_pDocFormatChecker.reset();
   m_pError2Message.reset();
   m_pNum2FontSize.reset();
+  m_pSpellChecker.reset();
   m_pSimDict.reset();
   m_pSpellCheckDict.reset();
   m_pSearchClient.reset();
@@ -171,6 +189,7 @@ tstring CEngine::InfoJson() const {
   services["font_sizes"] = m_pNum2FontSize ? (Json::UInt64)m_pNum2FontSize->GetCount() : 0;
   services["messages"] = m_pError2Message ? (Json::UInt64)m_pError2Message->GetMessages().size() : 0;
   services["spelling_dictionaries"] = m_pSimDict && m_pSpellCheckDict;
+  services["spelling_check"] = m_pSpellChecker != nullptr;
   services["knowledge_log"] = m_fpKG != nullptr;
   services["country_detection"] = m_bCountryDetect;
   services["standards_search"] = m_pSearchClient ? m_pSearchClient->TiaowenHost() + ":" +

@@ -17,7 +17,8 @@
 // the rule engine (ZYG_Init, -1 when it does not start) and its manager; the
 // keyword scanner ("FilterCheck"); the format checker and the font-size
 // table ("FormatCheck"; -7 without sizes); the message catalogue (-6); the
-// two spelling dictionaries; "KnowGraph.txt"; the encoding recogniser;
+// two spelling dictionaries and, with "SpellCheck", the spelling check (its
+// dictionary's words imported into the segmenter); "KnowGraph.txt"; the encoding recogniser;
 // country detection ("CountryDetect"); the standards search client
 // ("SearchAgent.xml", skipped when absent); then instance 0. Non-fatal failures
 // leave their reason as the last error.
@@ -32,6 +33,7 @@
 #include "utility/WriterFirstLock.h"
 
 class CReportChecker;
+class CSpellChecker;
 
 class CEngine {
  public:
@@ -78,6 +80,7 @@ class CEngine {
   CQueryExpand* GetSimDict() { return m_pSimDict.get(); }
   CQueryExpand* GetSpellDict() { return m_pSpellCheckDict.get(); }
   CLexicalAnalyser* GetAnalyser() { return m_pAnalyser.get(); }
+  const CSpellChecker* GetSpellChecker() { return m_pSpellChecker.get(); }
 
   // What runs, as JSON: switches, services and their sizes.
   tstring InfoJson() const;
@@ -85,6 +88,7 @@ class CEngine {
  private:
   int StartFormatCheck();
   void StartOptionalServices();
+  void StartSpellCheck();
   void PublishServices();
 
   _tCheckServices m_services;  // handed to every instance; rebuilt by PublishServices
@@ -99,6 +103,7 @@ class CEngine {
   std::unique_ptr<CID2Message> m_pError2Message;
   std::unique_ptr<CQueryExpand> m_pSimDict;
   std::unique_ptr<CQueryExpand> m_pSpellCheckDict;
+  std::unique_ptr<CSpellChecker> m_pSpellChecker;  // with "SpellCheck"; null when its data is missing
   std::unique_ptr<CSearchClient> m_pSearchClient;  // standards look-ups; null without "SearchAgent.xml"
   FILE* m_fpKG = nullptr;  // "KnowGraph.txt", opened for appending
   bool m_bCountryDetect = false;  // country detection was started

@@ -7,7 +7,9 @@
 #include "tarvos.h"
 #include "utility/CodePage.h"
 #include "utility/ErrorLog.h"
+#include "utility/JsonText.h"
 #include "utility/QueryExpand.h"
+#include "utility/SpellChecker.h"
 #include "utility/lexical/LexicalAnalyser.h"
 
 namespace {
@@ -112,5 +114,24 @@ extern "C" TARVOS_API const char* TARVOS_SegmentText(const char* sText, bool bTa
     if (!pAnalyser || !ArgGiven(sFn, "sText", sText)) return nullptr;
     auto lock = g_pEngine->ReadLock();
     return ThreadCopy(kSlotSegment, pAnalyser->ParagraphProcess(sText, bTags));
+  });
+}
+
+extern "C" TARVOS_API const char* TARVOS_CheckSpelling(const char* sText) {
+  return ApiGuard<const char*>(__func__, nullptr, [=](const char* sFn) -> const char* {
+    const CSpellChecker* pChecker = ServiceFor(&CEngine::GetSpellChecker, "The spelling check");
+    if (!pChecker || !ArgGiven(sFn, "sText", sText)) return nullptr;
+    auto lock = g_pEngine->ReadLock();
+    std::vector<_tSpellFinding> vecFindings;
+    pChecker->Check(sText, vecFindings);
+    Json::Value root(Json::arrayValue);
+    for (const _tSpellFinding& finding : vecFindings) {
+      Json::Value item;
+      item["offset"] = (Json::UInt64)finding.offset;
+      item["org"] = finding.sWrong;
+      item["revise"] = finding.sRight;
+      root.append(item);
+    }
+    return ThreadCopy(kSlotSpelling, JsonText(root));
   });
 }

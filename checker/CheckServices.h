@@ -19,6 +19,7 @@ class CNum2FontSize;
 class CQueryExpand;
 class CZYGManager;
 class CSearchClient;
+class CSpellChecker;
 
 // The switches of "ZYG-Configure.json" and their values before it is read.
 struct _tCheckSwitches {
@@ -41,5 +42,6 @@ struct _tCheckServices {
   const CLexicalAnalyser* pAnalyser = nullptr;      // segmenter; texts stay unsegmented without
   const CQueryExpand* pSimDict = nullptr;           // similar words
   const CQueryExpand* pSpellDict = nullptr;         // misspellings and corrections
+  const CSpellChecker* pSpellChecker = nullptr;     // with "SpellCheck"; null when its data is missing
   const CSearchClient* pSearchClient = nullptr;     // standards look-ups; null without "SearchAgent.xml"
 };

@@ -1,6 +1,7 @@
 #include "checker/ReportChecker.h"
 
 #include <cstdio>
+#include <map>
 
 #include "checker/CheckResult.h"
 #include "checker/DocFormatCheck.h"
@@ -16,6 +17,7 @@
 #include "utility/ErrorLog.h"
 #include "utility/JsonText.h"
 #include "utility/SearchClient.h"
+#include "utility/SpellChecker.h"
 
 namespace {
 const char kXmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n";
@@ -76,6 +78,7 @@ int CReportChecker::Check(int nType, int nResultFormat, const char* sOrgnization
     m_pServices->pFormatChecker->Check(*m_pDocument, *m_pCheckResult, m_nReportType,
                                        _tTemplateKeys::ForOrganization(m_sOrganization));
   if (switches.bFilteringCheck) CheckErrorWord();
+  if (switches.bSpellingCheck) CheckSpelling();
   return 1;
 }
 
@@ -217,6 +220,31 @@ int CReportChecker::CheckErrorWord(const _tParagraph& paragraph) {
   return AddErrorWords(pScanner ? pScanner->ScanDetail(paragraph.text, 3, 0).c_str() : "", paragraph);
 }
 
+int CReportChecker::CheckSpelling() {
+  const CSpellChecker* pChecker = m_pServices->pSpellChecker;
+  if (pChecker == nullptr) return 0;
+  // Error words already reported, by paragraph: byte ranges not to report twice.
+  std::map<uint32_t, std::vector<std::pair<size_t, size_t>>> mapReported;
+  for (const _tCheckResult& finding : m_pCheckResult->GetFindings())
+    if (finding.error_id == "1.5.2")
+      mapReported[finding.para_id].emplace_back(finding.offset, finding.offset + finding.org_str.size());
+  int nFound = 0;
+  std::vector<_tSpellFinding> vecSpelling;
+  m_pDocument->ForEachParagraph([&](const _tParagraph& para) {
+    pChecker->Check(para.text, vecSpelling);
+    const auto& vecReported = mapReported[para.id];
+    for (const _tSpellFinding& spelling : vecSpelling) {
+      const size_t nEnd = spelling.offset + spelling.sWrong.size();
+      bool bReported = false;
+      for (const auto& range : vecReported) bReported = bReported || (spelling.offset < range.second && range.first < nEnd);
+      if (bReported) continue;
+      AddCorrection(para, spelling.offset, "1.5.1", spelling.sWrong, spelling.sRight);
+      nFound++;
+    }
+  });
+  return nFound;
+}
+
 // The scanner's correction list "(Check ...)A-->B##C-->D$": each item adds a
 // finding for B with A as its replacement, at the offset of B searched from
 // the previous match itself (so two items of one word share its offset).
@@ -238,18 +266,23 @@ int CReportChecker::AddErrorWords(const char* sScan, const _tParagraph& paragrap
     const tstring sRight = sItem.substr(0, nArrow), sWrong = sItem.substr(nArrow + 3);
     size_t nFound = paragraph.text.find(sWrong, nOffset);
     if (nFound != tstring::npos) nOffset = nFound;
-    _tCheckResult result;
-    result.para_id = paragraph.id;
-    result.offset = (uint32_t)nOffset;
-    result.error_id = "1.5.2";
-    result.text = m_pDocument->GetText(paragraph.id);
-    result.field_id = 2;
-    result.org_str = sWrong;
-    result.revise_type = 1;
-    result.new_str = sRight;
-    m_pCheckResult->AddResult(result);
+    AddCorrection(paragraph, nOffset, "1.5.2", sWrong, sRight);
     if (nEnd == tstring::npos) break;
     nStart = nEnd + 2;
   }
   return 1;
+}
+
+void CReportChecker::AddCorrection(const _tParagraph& paragraph, size_t nOffset, const char* sErrorId,
+                                   const tstring& sWrong, const tstring& sRight) {
+  _tCheckResult result;
+  result.para_id = paragraph.id;
+  result.offset = (uint32_t)nOffset;
+  result.error_id = sErrorId;
+  result.text = m_pDocument->GetText(paragraph.id);
+  result.field_id = 2;
+  result.org_str = sWrong;
+  result.revise_type = 1;
+  result.new_str = sRight;
+  m_pCheckResult->AddResult(result);
 }

@@ -98,12 +98,21 @@ class CReportChecker {
   // Turns a scanner text into findings on a paragraph (see CheckErrorWord).
   int AddErrorWords(const char* sScan, const _tParagraph& paragraph);
 
+  // Spelling check over every paragraph, in the order of CheckErrorWord:
+  // each proposed correction becomes a finding "1.5.1", except where an
+  // error word was already reported. Returns the number of findings; 0
+  // without the spelling check.
+  int CheckSpelling();
+
   const CCheckResult& GetCheckResult() const { return *m_pCheckResult; }
   const CDocument& GetDocument() const { return *m_pDocument; }
   int GetReportType() const { return m_nReportType; }
   const CBufferManager& GetBufferManager() const { return *m_pBufManager; }
 
  private:
+  // Adds a finding that replaces sWrong at a byte offset of a paragraph by sRight.
+  void AddCorrection(const _tParagraph& paragraph, size_t nOffset, const char* sErrorId, const tstring& sWrong,
+                     const tstring& sRight);
   // The audit processor of a document type, and its rule set; null with the
   // reason as last error.
   const CAudit* Processor(int nType) const;

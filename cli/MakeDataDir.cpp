@@ -9,6 +9,7 @@
 
 #include "checker/ID2Message.h"
 #include "rules/ZYGManager.h"
+#include "utility/ConfusionSet.h"
 #include "utility/CountryDetector.h"
 #include "utility/ErrorLog.h"
 #include "utility/Num2FontSize.h"
@@ -45,11 +46,11 @@ int main(int argc, char** argv) {
   const std::string sRoot = argv[2];
   const std::string sOut = sRoot + "/Data";
   for (const std::string& sDir : {sRoot, sOut, sOut + "/Error", sOut + "/Font", sOut + "/Country", sOut + "/Lexicon",
-                                    sOut + "/Standards"})
+                                    sOut + "/Standards", sOut + "/Spell"})
     if (!MakeDir(sDir)) return Fail("cannot create " + sDir);
 
   for (const char* sName : {"/ZYG-Configure.json", "/CodeTrans.model", "/Country/CountryList.txt", "/SearchAgent.xml",
-                            "/Standards/standards.txt", "/Standards/requirements.txt"})
+                            "/Standards/standards.txt", "/Standards/requirements.txt", "/Spell/shape.txt"})
     if (!CopyFile(sSrc + sName, sOut + sName)) return Fail(std::string("cannot copy ") + sName);
   // The search server's tables are loaded once here, so a line it would
   // refuse fails the build.
@@ -73,6 +74,9 @@ int main(int argc, char** argv) {
   CLexicon lexicon;
   if (lexicon.Build(argv[3]) < 1) return Fail("lexicon word list empty");
   if (!lexicon.Save(sOut + "/Lexicon")) return Fail("cannot write the lexicon");
+  // Characters seen fewer times are too rare to be what a writer meant.
+  int nSounds = CConfusionSet::BuildSoundTable(lexicon, 50, sOut + "/Spell/sound.txt");
+  if (nSounds < 1) return Fail("cannot write the same-sound table");
   CHmmModel hmm;
   if (hmm.Build(argv[4]) < 1) return Fail("hidden Markov model tables empty");
   if (!hmm.Save(sOut + "/Lexicon/hmm.dat")) return Fail("cannot write the hidden Markov model");
@@ -83,7 +87,7 @@ int main(int argc, char** argv) {
 
   std::cout << "tarvos-mkdata: " << catalogue.GetMessages().size() << " messages, "
             << fontSizes.GetCount() << " font sizes, " << countries.GetCount() << " countries, "
-            << lexicon.GetCount() << " lexicon words, " << standards.GetStandardCount() << " standards, "
+            << lexicon.GetCount() << " lexicon words, " << nSounds << " characters with their sound, " << standards.GetStandardCount() << " standards, "
             << standards.GetRequirementCount() << " required values -> " << sOut
             << "\n";
   return 0;

@@ -7,6 +7,7 @@
 #include "cli/DataDir.h"
 #include "cli/InfoCommand.h"
 #include "cli/SegCommand.h"
+#include "cli/SpellCommand.h"
 #include "cli/StructCommand.h"
 #include "cli/DictCommand.h"
 #include "cli/RulesCommand.h"
@@ -27,6 +28,9 @@ int main(int argc, char** argv) {
   pSeg->add_option("--data", sData, "data directory");
   pSeg->add_flag("--tags", bTags, "write word/tag tokens");
   pSeg->add_option("--user-dict", sUserDict, "import a user dictionary first (word<TAB>tag lines)");
+
+  CLI::App* pSpell = app.add_subcommand("spell", "check the spelling of UTF-8 lines from standard input");
+  pSpell->add_option("--data", sData, "data directory");
 
   std::string sFile;
   bool bJson = false;
@@ -127,6 +131,7 @@ int main(int argc, char** argv) {
 
   CLI11_PARSE(app, argc, argv);
 
+  if (pSpell->parsed()) return RunSpell(ChooseDataDir(sData), std::cin, std::cout, std::cerr);
   if (pDict->parsed()) {
     dict.action = pDict->get_subcommands().front()->get_name();
     return RunDict(ChooseDataDir(sData), dict, std::cin, std::cout, std::cerr);

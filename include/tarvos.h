@@ -150,6 +150,16 @@ TARVOS_API const char* TARVOS_GetEngineInfo(void);
    or the words alone without bTags. Owner: engine (THREAD). NULL on failure. */
 TARVOS_API const char* TARVOS_SegmentText(const char* sText, bool bTags);
 
+/* Checks the spelling of a UTF-8 text with the engine's own spelling check
+   (started when "SpellCheck" is on): a JSON array with one object per
+   proposed correction, in order of offset: "offset" (byte offset of the
+   written word in sText), "org" (the written word) and "revise" (the word
+   to write); "[]" when nothing is suspect. Checks of documents report the
+   same corrections as findings "1.5.1". Owner: engine (THREAD). NULL with
+   "The spelling check not init!" when the check did not start (switched
+   off, or its data or language model missing: the error log says which). */
+TARVOS_API const char* TARVOS_CheckSpelling(const char* sText);
+
 /* ===================================================================== */
 /* Instances                                                              */
 /* ===================================================================== */

@@ -16,15 +16,6 @@ const size_t kMaxLine = 3072;
 const size_t kMaxClasses = 255;
 const char kProtectClass[] = "protect";
 
-bool IsValidUtf8(const tstring& sText) {
-  uint32_t nChar;
-  for (size_t i = 0; i < sText.size();) {
-    i += DecodeUtf8(sText.data() + i, sText.size() - i, nChar);
-    if (nChar >= kInvalidByteBase) return false;
-  }
-  return true;
-}
-
 bool ReadUserFile(const tstring& sFile, tstring& sText) {
   if (ReadFileText(sFile, sText)) return true;
   SetLastError("Failed Open file " + sFile);

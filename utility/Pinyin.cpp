@@ -10,25 +10,30 @@
 namespace {
 
 std::mutex g_mutexPinyin;  // a transliterator is not safe to use from two threads at once
-std::unique_ptr<icu::Transliterator> g_pTransliterator;
-bool g_bTried = false;
 
-// The transliteration with a blank between syllables.
-tstring Syllables(const tstring& sText) {
+// The transliteration with a blank between syllables, through a
+// transliterator made on first use (null when ICU lacks it).
+tstring Transliterate(const char* sId, std::unique_ptr<icu::Transliterator>& pTransliterator, bool& bTried,
+                      const tstring& sText) {
   std::lock_guard<std::mutex> lock(g_mutexPinyin);
-  if (!g_bTried) {
-    g_bTried = true;
+  if (!bTried) {
+    bTried = true;
     UErrorCode status = U_ZERO_ERROR;
-    g_pTransliterator.reset(
-        icu::Transliterator::createInstance("Han-Latin; Latin-ASCII", UTRANS_FORWARD, status));
-    if (U_FAILURE(status)) g_pTransliterator.reset();
+    pTransliterator.reset(icu::Transliterator::createInstance(sId, UTRANS_FORWARD, status));
+    if (U_FAILURE(status)) pTransliterator.reset();
   }
-  if (!g_pTransliterator) return "";
+  if (!pTransliterator) return "";
   icu::UnicodeString sUnicode = icu::UnicodeString::fromUTF8(sText);
-  g_pTransliterator->transliterate(sUnicode);
+  pTransliterator->transliterate(sUnicode);
   std::string sOut;
   sUnicode.toUTF8String(sOut);
   return sOut;
+}
+
+tstring Syllables(const tstring& sText) {
+  static std::unique_ptr<icu::Transliterator> pPlain;
+  static bool bTried = false;
+  return Transliterate("Han-Latin; Latin-ASCII", pPlain, bTried, sText);
 }
 
 }  // namespace
@@ -45,4 +50,10 @@ tstring GetPinyinInitials(const tstring& sText) {
   tstring sSyllable, sOut;
   while (syllables >> sSyllable) sOut.push_back(sSyllable[0]);
   return sOut;
+}
+
+tstring GetPinyinToned(const tstring& sText) {
+  static std::unique_ptr<icu::Transliterator> pToned;
+  static bool bTried = false;
+  return Transliterate("Han-Latin", pToned, bTried, sText);
 }

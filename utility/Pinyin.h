@@ -11,3 +11,7 @@ tstring GetPinyin(const tstring& sText);
 
 // The first letter of each syllable: 中华人民共和国 -> "zhrmghg".
 tstring GetPinyinInitials(const tstring& sText);
+
+// The pinyin of Chinese text with tone marks, syllables separated by blanks
+// ("ān zhuāng"); "" when ICU lacks the transliteration.
+tstring GetPinyinToned(const tstring& sText);

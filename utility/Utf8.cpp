@@ -73,3 +73,12 @@ size_t Utf8Length(const tstring& sText) {
   }
   return nChars;
 }
+
+bool IsValidUtf8(const tstring& sText) {
+  for (size_t i = 0; i < sText.size();) {
+    uint32_t nChar;
+    i += DecodeUtf8(sText.data() + i, sText.size() - i, nChar);
+    if (nChar >= kInvalidByteBase) return false;
+  }
+  return true;
+}

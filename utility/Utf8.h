@@ -18,3 +18,6 @@ void AppendUtf8(tstring& sOut, uint32_t nChar);
 
 // The number of characters of a text as DecodeUtf8 reads them.
 size_t Utf8Length(const tstring& sText);
+
+// True when every byte of the text belongs to a valid UTF-8 character.
+bool IsValidUtf8(const tstring& sText);

@@ -63,3 +63,8 @@ tstring CLexicalAnalyser::ParagraphProcess(const tstring& sText, bool bTags) con
   Segment(sText, vecTokens);
   return CSegmenter::Format(sText, vecTokens, bTags);
 }
+
+bool CLexicalAnalyser::IsUserWord(const tstring& sWord) const {
+  std::shared_ptr<const CUserDictionary> pUser = UserDict();
+  return pUser && pUser->GetDict().GetId(sWord) >= 0;
+}

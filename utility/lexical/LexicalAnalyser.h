@@ -27,6 +27,7 @@ class CLexicalAnalyser {
   // cannot be read or a file is missing or damaged (the last error says which).
   bool Load(const tstring& sDataPath);
   const tstring& GetDataPath() const { return m_sDataPath; }
+  const CLexicon& GetLexicon() const { return m_lexicon; }
 
   // Imports a user dictionary (see UserDictionary.h for the format); with
   // bOverwrite the earlier user words are dropped first. Returns the number
@@ -34,6 +35,9 @@ class CLexicalAnalyser {
   int ImportUserDict(const char* sFilename, bool bOverwrite);
   // The same for the lines of a text in that format.
   int ImportUserText(const tstring& sText, bool bOverwrite);
+
+  // True when an imported user dictionary holds the word.
+  bool IsUserWord(const tstring& sWord) const;
 
   // The tokens of a paragraph, offsets into sText.
   void Segment(const tstring& sText, std::vector<_tToken>& vecTokens) const;
