@@ -7,7 +7,7 @@ FUZZ_SECONDS ?= 30
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN  := cmake -S . -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 
-.PHONY: all release deps test asan tsan fuzz bench demo install clean
+.PHONY: all release deps test asan tsan fuzz bench spell-quality demo install clean
 
 all: release
 
@@ -44,6 +44,15 @@ fuzz: deps
 bench: release
 	cmake --build $(BUILD) --target tarvos_bench tarvos_bench_dict tarvos_bench_seg tarvos_bench_docx tarvos_bench_result tarvos_bench_format tarvos_bench_rules tarvos_bench_keyscan tarvos_bench_throughput -j $(JOBS)
 	bash scripts/bench.sh $(BUILD)
+
+# Spelling quality on sentences of the shared corpus: margins are tuned on the
+# tuning half; the figures to report are those of the test half.
+CORPUS ?= ../shared/corpus/real
+spell-quality: release
+	cmake --build $(BUILD) --target tarvos_spell_eval -j $(JOBS)
+	python3 scripts/spell_set.py $(CORPUS) $(BUILD)/data $(BUILD)/spellset
+	@echo "tuning half:"; $(BUILD)/bench/tarvos_spell_eval $(BUILD)/data $(BUILD)/spellset/tune.tsv
+	@echo "test half:"; $(BUILD)/bench/tarvos_spell_eval $(BUILD)/data $(BUILD)/spellset/test.tsv
 
 demo: release
 	bash scripts/demo.sh $(BUILD)

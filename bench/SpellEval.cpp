@@ -1,4 +1,4 @@
-// tarvos_spell_eval DATA_DIR SET.tsv [--margins TONE,SYLLABLE,SHAPE] [--grid]
+// tarvos_spell_eval DATA_DIR SET.tsv [--margins TONE,SYLLABLE,SHAPE] [--grid | --show]
 // Measures the spelling check on a set written by scripts/spell_set.py:
 // detection recall and correction accuracy on the sentences with an
 // injected error, the share of untouched sentences with a false alarm, and
@@ -100,11 +100,22 @@ int main(int argc, char** argv) {
   }
   const std::vector<_tSample> vecSamples = ReadSet(argv[2]);
   _tSpellMargins margins;
-  bool bGrid = false;
+  bool bGrid = false, bShow = false;
   for (int i = 3; i < argc; i++) {
     if (strcmp(argv[i], "--grid") == 0) bGrid = true;
+    if (strcmp(argv[i], "--show") == 0) bShow = true;
     if (strcmp(argv[i], "--margins") == 0 && i + 1 < argc)
       sscanf(argv[++i], "%f,%f,%f", &margins.fSameTone, &margins.fSameSyllable, &margins.fShape);
+  }
+  if (bShow) {
+    checker.SetMargins(margins);
+    std::vector<_tSpellFinding> vecFindings;
+    for (const _tSample& sample : vecSamples) {
+      checker.Check(sample.sSentence, vecFindings);
+      for (const _tSpellFinding& f : vecFindings)
+        printf("%.2f\t%s->%s\t%s\n", f.fGain, f.sWrong.c_str(), f.sRight.c_str(), sample.sSentence.c_str());
+    }
+    return 0;
   }
   if (!bGrid) {
     checker.SetMargins(margins);

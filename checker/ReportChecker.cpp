@@ -228,21 +228,34 @@ int CReportChecker::CheckSpelling() {
   for (const _tCheckResult& finding : m_pCheckResult->GetFindings())
     if (finding.error_id == "1.5.2")
       mapReported[finding.para_id].emplace_back(finding.offset, finding.offset + finding.org_str.size());
-  int nFound = 0;
+  std::vector<std::pair<const _tParagraph*, _tSpellFinding>> vecFound;
   std::vector<_tSpellFinding> vecSpelling;
   m_pDocument->ForEachParagraph([&](const _tParagraph& para) {
     pChecker->Check(para.text, vecSpelling);
-    const auto& vecReported = mapReported[para.id];
+    const auto& vecRanges = mapReported[para.id];
     for (const _tSpellFinding& spelling : vecSpelling) {
       const size_t nEnd = spelling.offset + spelling.sWrong.size();
       bool bReported = false;
-      for (const auto& range : vecReported) bReported = bReported || (spelling.offset < range.second && range.first < nEnd);
-      if (bReported) continue;
-      AddCorrection(para, spelling.offset, "1.5.1", spelling.sWrong, spelling.sRight);
-      nFound++;
+      for (const auto& range : vecRanges) bReported = bReported || (spelling.offset < range.second && range.first < nEnd);
+      if (!bReported) vecFound.emplace_back(&para, spelling);
     }
   });
-  return nFound;
+  // A form the document writes more than once is its author's term or name,
+  // not a slip of the hand.
+  std::map<tstring, int> mapUses;
+  for (const auto& found : vecFound) mapUses[found.second.sWrong] = 0;
+  m_pDocument->ForEachParagraph([&](const _tParagraph& para) {
+    for (auto& use : mapUses)
+      for (size_t i = para.text.find(use.first); i != tstring::npos; i = para.text.find(use.first, i + use.first.size()))
+        use.second++;
+  });
+  int nAdded = 0;
+  for (const auto& found : vecFound) {
+    if (mapUses[found.second.sWrong] > 1) continue;
+    AddCorrection(*found.first, found.second.offset, "1.5.1", found.second.sWrong, found.second.sRight);
+    nAdded++;
+  }
+  return nAdded;
 }
 
 // The scanner's correction list "(Check ...)A-->B##C-->D$": each item adds a

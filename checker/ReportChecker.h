@@ -100,8 +100,9 @@ class CReportChecker {
 
   // Spelling check over every paragraph, in the order of CheckErrorWord:
   // each proposed correction becomes a finding "1.5.1", except where an
-  // error word was already reported. Returns the number of findings; 0
-  // without the spelling check.
+  // error word was already reported and where the document writes the same
+  // form more than once. Returns the number of findings; 0 without the
+  // spelling check.
   int CheckSpelling();
 
   const CCheckResult& GetCheckResult() const { return *m_pCheckResult; }

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
 """Builds the spelling-check evaluation sets from real documents.
 
-Usage: spell_set.py CORPUS_DIR DATA_DIR OUT_DIR [--seed N]
+Usage: spell_set.py CORPUS_DIR DATA_DIR OUT_DIR [--seed N] [--lexicon WORDS]
 
 Every Chinese sentence of 8 to 60 characters in the DOCX files under
 CORPUS_DIR is a candidate. Sentences are dealt alternately into a tuning set
 and a test set (so the margins are tuned on sentences the reported figures
 never see). In each set half the sentences stay untouched and in the other
-half one character of a word of the lexicon is replaced by a character of
-the same syllable or a similar shape (from DATA_DIR/Data/Spell), chosen so
+half one character of a word of the lexicon is replaced by a common character
+of the same syllable (in any tone) or a similar shape (from DATA_DIR/Data/Spell), chosen so
 that the changed word is no longer a lexicon word.
 
 Writes OUT_DIR/tune.tsv and OUT_DIR/test.tsv with lines
@@ -65,12 +65,13 @@ def load_lexicon(path):
 
 
 def load_confusions(spell_dir):
-    by_sound, sound_of = {}, {}
+    """Per character: common characters of the same syllable (any tone) and look-alikes."""
+    by_plain, plain_of = {}, {}
     with open(os.path.join(spell_dir, 'sound.txt'), encoding='utf-8') as f:
         for line in f:
-            ch, toned, plain, freq = line.rstrip('\n').split('\t')
-            sound_of[ch] = toned
-            by_sound.setdefault(toned, []).append((ch, int(freq)))
+            ch, _toned, plain, freq = line.rstrip('\n').split('\t')
+            plain_of[ch] = plain
+            by_plain.setdefault(plain, []).append((ch, int(freq)))
     shapes = {}
     with open(os.path.join(spell_dir, 'shape.txt'), encoding='utf-8') as f:
         for line in f:
@@ -78,8 +79,8 @@ def load_confusions(spell_dir):
             for c in group:
                 shapes.setdefault(c, set()).update(x for x in group if x != c)
     confusions = {}
-    for ch, toned in sound_of.items():
-        same = [c for c, freq in by_sound[toned] if c != ch and freq >= 1000]
+    for ch, plain in plain_of.items():
+        same = [c for c, freq in by_plain[plain] if c != ch and freq >= 1000]
         confusions[ch] = same + sorted(shapes.get(ch, ()))
     for ch, like in shapes.items():
         confusions.setdefault(ch, sorted(like))
@@ -113,11 +114,11 @@ def main():
     ap.add_argument('data')
     ap.add_argument('out')
     ap.add_argument('--seed', type=int, default=7)
+    ap.add_argument('--lexicon', default='/usr/lib/python3/dist-packages/jieba/dict.txt',
+                    help='the word list the lexicon was built from ("word freq tag" lines)')
     args = ap.parse_args()
     rng = random.Random(args.seed)
-    lexicon = load_lexicon(os.path.join(args.data, 'Data', 'Lexicon', 'words.txt')) \
-        if os.path.exists(os.path.join(args.data, 'Data', 'Lexicon', 'words.txt')) \
-        else load_lexicon('/usr/lib/python3/dist-packages/jieba/dict.txt')
+    lexicon = load_lexicon(args.lexicon)
     confusions = load_confusions(os.path.join(args.data, 'Data', 'Spell'))
     os.makedirs(args.out, exist_ok=True)
     sets = {'tune': [], 'test': []}

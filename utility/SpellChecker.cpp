@@ -1,6 +1,7 @@
 #include "utility/SpellChecker.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 
 #include "utility/QueryExpand.h"
@@ -12,7 +13,7 @@
 namespace {
 
 const int kMinWordFreq = 30;  // a candidate must make a word at least this frequent
-const int kRareFreq = 5;      // a short word seen fewer times may be a misspelling
+const int kRareFreq = 3;      // a short word seen fewer times may be a misspelling
 const size_t kMaxWordChars = 4;
 const size_t kMaxKnownChars = 6;  // the longest piece of an unknown word looked up in the model
 
@@ -25,6 +26,30 @@ int QuoteDepthChange(uint32_t c) {
     case 0x201D: case 0x300B: case 0x300D: case 0x300F: case 0x2019: return -1;  // ” 》 」 』 ’
     default: return 0;
   }
+}
+
+// Common surnames: a word the lexicon lacks that starts with one is taken for
+// a person's name.
+bool IsSurname(uint32_t c) {
+  static const std::u32string kSurnames =
+      U"王李张刘陈杨黄赵吴周徐孙马朱胡郭何高林罗郑梁谢宋唐许韩冯邓曹彭曾肖田董袁潘蒋蔡余杜叶程苏魏吕丁任沈"
+      U"姚卢姜崔钟谭陆汪范金石廖贾夏韦付傅方白邹孟熊秦邱江尹薛闫阎段雷侯龙史陶黎贺顾毛郝龚邵万钱严覃武戴莫孔"
+      U"汤向常温康施文牛樊葛邢安齐易乔伍庞颜倪庄聂章鲁岳翟殷詹申欧耿关兰焦俞左柳甘祝包宁尚符舒阮柯纪梅童凌"
+      U"毕单季裴霍涂成苗谷盛曲翁冉骆蓝路游辛靳管柴蒙鲍华喻祁蒲房滕屈饶解牟艾尤阳时穆农司卓古吉缪简车项连芦"
+      U"麦褚娄窦戚岑景党宫费卜冷晏席卫米柏宗瞿桂全佟应臧闵苟邬边卞姬师和仇栾隋商刁沙荣巫寇桑郎甄丛仲虞敖巩"
+      U"明佘池查麻苑迟邝";
+  return kSurnames.find(c) != std::u32string::npos;
+}
+
+// A reference-list entry ("[12] 金显贺，王昌长．…[J]．…"): names and titles
+// the model cannot judge.
+bool IsReferenceEntry(const tstring& sText) {
+  size_t i = sText.find_first_not_of(" \t");
+  if (i != tstring::npos && sText[i] == '[' && i + 1 < sText.size() && isdigit((unsigned char)sText[i + 1]))
+    return true;
+  for (const char* szMark : {"[J]", "[M]", "[D]", "[C]", "[N]", "[R]", "[S]", "[P]", "[EB/OL]", "[J/OL]", "[N/OL]"})
+    if (sText.find(szMark) != tstring::npos) return true;
+  return false;
 }
 
 // Tags of proper names: persons, places, organisations, other names.
@@ -90,7 +115,7 @@ float CSpellChecker::Margin(EConfusion kind) const {
 
 void CSpellChecker::Check(const tstring& sText, std::vector<_tSpellFinding>& vecOut) const {
   vecOut.clear();
-  if (!m_model.IsLoaded() || sText.empty()) return;
+  if (!m_model.IsLoaded() || sText.empty() || IsReferenceEntry(sText)) return;
   std::vector<_tToken> vecTokens;
   m_pAnalyser->Segment(sText, vecTokens);
   DictionaryWords(sText, vecTokens, vecOut);
@@ -126,7 +151,9 @@ void CSpellChecker::MarkChars(const tstring& sText, const std::vector<_tToken>& 
       i += n;
     }
     const size_t nChars = vecChars.size() - nFirst;
-    const bool bName = nChars >= 2 && nId >= 0 && IsNameTag(token.tag);
+    uint32_t nFirstChar = 0;
+    DecodeUtf8(sWord.data(), sWord.size(), nFirstChar);
+    const bool bName = nChars >= 2 && (nId >= 0 ? IsNameTag(token.tag) : nChars <= 3 && IsSurname(nFirstChar));
     for (size_t i = nFirst; i < vecChars.size(); i++) {
       vecChars[i].bSuspect = vecChars[i].bHan && (nChars == 1 || bUnknown);
       vecChars[i].bGuarded = vecChars[i].bGuarded || bName;

@@ -24,6 +24,7 @@ const NullCase kNullCases[] = {
     {"ImportSimDict", [] { return TARVOS_ImportSimDict(nullptr) == 0; }},
     {"ImportSpellErrorDict", [] { return TARVOS_ImportSpellErrorDict(nullptr) == 0; }},
     {"ImportUserDict", [] { return TARVOS_ImportUserDict(nullptr) == 0; }},
+    {"CheckSpelling", [] { return TARVOS_CheckSpelling(nullptr) == nullptr; }},
     {"ImportFieldDict", [] { return TARVOS_ImportFieldDict(nullptr, true, true) == 0; }},
     {"CheckReportF", [] { return TARVOS_CheckReportF(nullptr, nullptr, nullptr, 1, 0, false, 0) == nullptr; }},
     {"CheckReportM", [] { return TARVOS_CheckReportM(nullptr, nullptr, nullptr, 1, 1, true, 0) == nullptr; }},

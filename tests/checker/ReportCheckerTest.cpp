@@ -2,6 +2,8 @@
 // calls: the error-word findings, and a whole check on an engine object.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "DocxFixture.h"
 #include "TestDataDir.h"
 #include "api/Engine.h"
@@ -79,6 +81,31 @@ TEST(ReportCheckerTest, ErrorWordsOfTheKeywordListBecomeFindings) {
   const std::vector<std::string> vecExpected = {
       "按装>安装@6:我们按装了软件，既使下雨", "既使>即使@24:我们按装了软件，既使下雨", "按装>安装@6:表中按装"};
   EXPECT_EQ(vecFound, vecExpected);
+}
+
+// With the spelling check on, a misspelling that no list names is reported as
+// "1.5.1" at its offset, one the error-word list names only once, as "1.5.2",
+// and a form the document writes twice not at all.
+TEST(ReportCheckerTest, SpellingFindingsJoinTheErrorWordsWithoutDoubles) {
+  CTestDataDir data;
+  data.Write("ZYG-Configure.json", R"({"FilterCheck": "on", "SpellCheck": "on", "FormatCheck": "off"})");
+  data.Write("errors.txt", "按装-->安装 errorword\n");
+  CEngine engine;
+  ASSERT_EQ(engine.Start(data.Root().c_str()), 1);
+  ASSERT_NE(engine.Services().pSpellChecker, nullptr);
+  ASSERT_EQ(engine.GetKeyScanner()->ImportUserDict(data.Data("errors.txt").c_str(), true, true, 0), 1);
+  std::string sDoc = data.Root() + "/report.docx";
+  ASSERT_TRUE(WriteDocx(sDoc, Para(TextRun("我们按装了新软件。")) + Para(TextRun("该方案技术可行，经济合里。")) +
+                                  Para(TextRun("本工程的运形费用较低。")) + Para(TextRun("运形二字是本文的术语。"))));
+  CReportChecker checker(&engine.Services());
+  ASSERT_EQ(checker.ImportFile(sDoc.c_str(), "", 1, 1), 1);
+  ASSERT_EQ(checker.Check(1, 1, "", false), 1);
+  std::vector<std::string> vecFound;
+  for (const _tCheckResult& r : checker.GetCheckResult().GetFindings())
+    if (r.error_id.compare(0, 4, "1.5.") == 0 && r.error_id != "1.5.5")
+      vecFound.push_back(r.error_id + " " + r.org_str + ">" + r.new_str + "@" + std::to_string(r.offset));
+  std::sort(vecFound.begin(), vecFound.end());
+  EXPECT_EQ(vecFound, (std::vector<std::string>{"1.5.1 合里>合理@30", "1.5.2 按装>安装@6"}));
 }
 
 }  // namespace
