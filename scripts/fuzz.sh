@@ -29,6 +29,12 @@ for target in "$build"/fuzz/*Fuzzer; do
     done
     printf '\000合同&违约~5~责任 law 2\n[New York] city 3 0\n中国 c 1 1\n!草案&合同\n' > "$corpus/expressions.keys"
   fi
+  # The spelling check starts from sentences with misspellings and a dictionary.
+  if [ "$name" = SpellFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
+    printf '\000我们按装了新软件，经济合里，运形费用较低。' > "$corpus/sentence.txt"
+    printf '\000授权代表：刘济民。“按装”[12] 金显贺．文题[J]．' > "$corpus/guarded.txt"
+    { printf '\001'; head -40 data/KeyScanner/errorwords.txt | sed 's/ errorword$//'; } > "$corpus/dict.txt"
+  fi
   # The rule language starts from the default rule files and their patterns.
   if [ "$name" = RuleFuzzer ] && [ -z "$(ls -A "$corpus")" ]; then
     for rules in data/Rules/*.xml; do
