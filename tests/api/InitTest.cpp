@@ -211,6 +211,29 @@ TEST_F(InitTest, ImportCallsReachTheirServices) {
   EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "The keyword scanner (FilterCheck) not init!") << "the scanner is off";
 }
 
+// A misspelling imported through the C API is segmented whole and reported
+// by the spelling check; without "SpellCheck" there is no check to ask.
+TEST_F(InitTest, SpellingDictionariesReachTheSpellingCheck) {
+  m_data.Write("ZYG-Configure.json", R"({"SpellCheck": "off"})");
+  ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
+  EXPECT_EQ(TARVOS_CheckSpelling("检查设被运行情况"), nullptr);
+  EXPECT_STREQ(TARVOS_GetLastErrorMsg(), "The spelling check not init!");
+  TARVOS_Exit();
+  m_data.Write("ZYG-Configure.json", R"({"SpellCheck": "on"})");
+  ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
+  m_data.Write("spell.txt", "设被-->设备\n孤词\n");
+  m_data.Write("sim.txt", "部署 布署 部属\n");
+  EXPECT_EQ(TARVOS_ImportSpellErrorDict(m_data.Data("spell.txt").c_str()), 1) << "one word for the segmenter";
+  EXPECT_EQ(TARVOS_ImportSimDict(m_data.Data("sim.txt").c_str()), 1);
+  const char* sFound = TARVOS_CheckSpelling("检查设被运行情况");
+  ASSERT_NE(sFound, nullptr) << TARVOS_GetLastErrorMsg();
+  EXPECT_EQ(ParseJson(sFound), ParseJson(R"([{"offset": 6, "org": "设被", "revise": "设备"}])"));
+  EXPECT_EQ(ParseJson(TARVOS_CheckSpelling("")), ParseJson("[]"));
+  TARVOS_Exit();
+  ASSERT_EQ(TARVOS_Init(m_data.Root().c_str()), 1);
+  EXPECT_EQ(ParseJson(TARVOS_CheckSpelling("检查设被运行情况")).size(), 1u) << "the dictionary is saved";
+}
+
 TEST_F(InitTest, NeverChangesTheWorkingDirectory) {
   char sBefore[4096], sAfter[4096];
   ASSERT_NE(getcwd(sBefore, sizeof(sBefore)), nullptr);
