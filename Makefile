@@ -7,7 +7,7 @@ FUZZ_SECONDS ?= 30
 JOBS       ?= $(shell nproc 2>/dev/null || echo 2)
 CMAKE_GEN  := cmake -S . -DCMAKE_EXPORT_COMPILE_COMMANDS=ON
 
-.PHONY: all release deps test asan tsan fuzz bench spell-quality demo install clean
+.PHONY: all release deps test asan tsan fuzz bench spell-quality demo install package clean
 
 all: release
 
@@ -57,8 +57,15 @@ spell-quality: release
 demo: release
 	bash scripts/demo.sh $(BUILD)
 
+# make install PREFIX=/some/where installs there instead of the configured prefix.
 install: release
-	cmake --install $(BUILD)
+	cmake --install $(BUILD) $(if $(PREFIX),--prefix $(PREFIX))
+
+# Two Debian packages in $(BUILD): tarvos (library, data, tools) and
+# libtarvos-dev; lintian looks at both when it is installed.
+package: release
+	cd $(BUILD) && cpack -G DEB
+	@if command -v lintian >/dev/null; then lintian --fail-on error $(BUILD)/*.deb; else echo "lintian not installed: packages not linted"; fi
 
 clean:
 	rm -rf $(BUILD) $(ASAN_BUILD) $(TSAN_BUILD) $(FUZZ_BUILD)

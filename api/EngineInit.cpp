@@ -108,6 +108,8 @@ extern "C" TARVOS_API const char* TARVOS_GetEngineInfo(void) {
   });
 }
 
+extern "C" TARVOS_API const char* TARVOS_GetVersion(void) { return TARVOS_VERSION; }
+
 extern "C" TARVOS_API const char* TARVOS_SegmentText(const char* sText, bool bTags) {
   return ApiGuard<const char*>(__func__, nullptr, [=](const char* sFn) -> const char* {
     CLexicalAnalyser* pAnalyser = ServiceFor(&CEngine::GetAnalyser, "The lexical analyser");

@@ -3,8 +3,9 @@
 #include <ostream>
 #include <string>
 
-// --data when given, else $TARVOS_DATA, else the data directory of the build
-// tree when it exists, else the installed one.
+// --data when given, else $TARVOS_DATA, else "../share/tarvos" beside the
+// tool's own folder when it holds data (an installed tool), else the data
+// directory of the build tree when it exists, else the configured install path.
 std::string ChooseDataDir(const std::string& sOption);
 
 // Starts the engine on a data directory; on failure says why on err, shuts

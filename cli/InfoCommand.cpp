@@ -28,8 +28,9 @@ const char* StartFailure(int nStatus) {
 void PrintSwitches(const Json::Value& s, std::ostream& out) {
   out << "switches (Data/ZYG-Configure.json):\n";
   for (const char* sName : {"PunctionCheck", "FormatCheck", "OCR", "FilterCheck"}) Row(out, sName, OnOff(s[sName].asBool()));
-  Row(out, "SpellCheck",
-      std::string(OnOff(s["SpellCheck"].asBool())) + (s["SpellCheck"].asBool() ? " (host " + s["SpellCheckIP"].asString() + ")" : ""));
+  const std::string sHost = s["SpellCheckIP"].asString();
+  Row(out, "SpellCheck", std::string(OnOff(s["SpellCheck"].asBool())) +
+                             (s["SpellCheck"].asBool() && !sHost.empty() ? " (host " + sHost + ")" : ""));
   Row(out, "CountryDetect", OnOff(s["CountryDetect"].asBool()));
 }
 
@@ -43,6 +44,7 @@ void PrintServices(const Json::Value& s, std::ostream& out) {
   Row(out, "font-size table", s["font_sizes"].asUInt64() ? fnCount("font_sizes", "sizes") : "off");
   Row(out, "message catalogue", fnCount("messages", "messages"));
   Row(out, "spelling dictionaries", s["spelling_dictionaries"].asBool() ? "started" : "absent");
+  Row(out, "spelling check", s["spelling_check"].asBool() ? "started" : "off");
   Row(out, "knowledge-graph log", s["knowledge_log"].asBool() ? "open" : "not writable");
   Row(out, "country detection", s["country_detection"].asBool() ? "started" : "off");
 }
@@ -50,7 +52,7 @@ void PrintServices(const Json::Value& s, std::ostream& out) {
 }  // namespace
 
 int RunInfo(const std::string& sDataDir, std::ostream& out, std::ostream& err) {
-  out << "Tarvos " << TARVOS_VERSION << "\n";
+  out << "Tarvos " << TARVOS_GetVersion() << "\n";
   out << "data directory: " << sDataDir << "\n";
   int nStatus = TARVOS_Init(sDataDir.c_str());
   if (nStatus != 1) {

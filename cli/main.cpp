@@ -11,11 +11,13 @@
 #include "cli/StructCommand.h"
 #include "cli/DictCommand.h"
 #include "cli/RulesCommand.h"
+#include "tarvos.h"
 #include "cli/TemplateCommand.h"
 
 int main(int argc, char** argv) {
   CLI::App app{"Tarvos checks Chinese reports, theses and contracts against their templates and rules."};
-  app.set_version_flag("--version", std::string("tarvos ") + TARVOS_VERSION);
+  // The library's version: the one that runs, whatever the tool was built with.
+  app.set_version_flag("--version", std::string("tarvos ") + TARVOS_GetVersion());
   app.require_subcommand(0, 1);
 
   std::string sData;

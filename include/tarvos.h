@@ -145,6 +145,10 @@ TARVOS_API const char* TARVOS_GetThreadLastErrorMsg(void);
    Owner: engine (THREAD). NULL with "TARVOS not init!" before TARVOS_Init. */
 TARVOS_API const char* TARVOS_GetEngineInfo(void);
 
+/* The library's version, "MAJOR.MINOR.PATCH"; the soname carries MAJOR.
+   Owner: STATIC. Needs no TARVOS_Init. */
+TARVOS_API const char* TARVOS_GetVersion(void);
+
 /* Segments a UTF-8 text with the engine's lexical analyser (its lexicon and
    the user words imported so far): "word/tag" tokens separated by blanks,
    or the words alone without bTags. Owner: engine (THREAD). NULL on failure. */

@@ -6,15 +6,7 @@ set -euo pipefail
 build=${1:-build}
 out="$build/examples"
 mkdir -p "$out"
-python3 - "$out/sample_report.docx" <<'PY'
-import os, sys, zipfile
-src = "examples/sample_report"
-with zipfile.ZipFile(sys.argv[1], "w", zipfile.ZIP_DEFLATED) as z:
-    for root, _, files in os.walk(src):
-        for name in sorted(files):
-            path = os.path.join(root, name)
-            z.write(path, os.path.relpath(path, src))
-PY
+python3 scripts/pack_docx.py examples/sample_report "$out/sample_report.docx"
 echo "== tarvos info (engine start on the default data directory)"
 "$build/cli/tarvos" info --data "$build/data"
 echo

@@ -17,6 +17,7 @@ PACKAGES=(
   binutils
   clang libclang-rt-14-dev
   bc unzip
+  dpkg-dev lintian
 )
 
 missing=()
