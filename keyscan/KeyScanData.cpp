@@ -375,7 +375,7 @@ void CKeyScanData::AddCorrections(std::vector<_tPatternMatch>& vecPair, std::vec
     if (m.offset < nEnd) continue;
     nEnd = m.offset + m.length;
     vecHits.push_back({m.offset, m.length, _tKeyHit::kCorrection, m_pKeyWordList->GetWord(m.id), "", 0,
-                       *m_pComplexFilter->GetCorrection(m.id)});
+                       m_pComplexFilter->GetCorrection(m.id)->c_str()});
   }
 }
 
@@ -395,8 +395,8 @@ void CKeyScanData::ScanComplex(const tstring& sText, const std::vector<_tPattern
   std::vector<_tComplexHit> vecFound;
   m_pComplexFilter->Evaluate(mapHits, vecFound);
   for (const _tComplexHit& found : vecFound)
-    vecHits.push_back({found.offset, found.length, _tKeyHit::kComplex, m_pComplexFilter->GetText(found.index),
-                       m_pComplexFilter->GetClass(found.index), m_pComplexFilter->GetWeight(found.index), ""});
+    vecHits.push_back({found.offset, found.length, _tKeyHit::kComplex, m_pComplexFilter->GetText(found.index).c_str(),
+                       m_pComplexFilter->GetClass(found.index).c_str(), m_pComplexFilter->GetWeight(found.index), ""});
 }
 
 // Pinyin is matched without regard to case, and only as a whole Latin word.

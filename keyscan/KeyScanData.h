@@ -48,10 +48,12 @@ struct _tKeyHit {
   size_t offset;  // byte offset into the text
   size_t length;  // byte length of the text found
   EKind eKind;
-  tstring sWord;   // keyword, expression, or the wrong form of a pair
-  tstring sClass;  // class name
+  // The texts point into the list that scanned (no copy per hit) and stay
+  // valid while it lives.
+  const char* sWord;   // keyword, expression, or the wrong form of a pair
+  const char* sClass;  // class name
   int nWeight;
-  tstring sCorrection;  // kCorrection: the right form
+  const char* sCorrection;  // kCorrection: the right form; "" otherwise
 };
 
 class CKeyScanData {

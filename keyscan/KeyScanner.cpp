@@ -26,7 +26,7 @@ tstring Corrections(const std::vector<_tKeyHit>& vecHits) {
   for (const _tKeyHit& hit : vecHits) {
     if (hit.eKind != _tKeyHit::kCorrection) continue;
     if (nCount++ > 0) sList += "##";
-    sList += hit.sCorrection + "-->" + hit.sWord;
+    sList.append(hit.sCorrection).append("-->").append(hit.sWord);
   }
   return nCount == 0 ? "" : "(Check " + std::to_string(nCount) + ")" + sList + "$";
 }
@@ -60,7 +60,7 @@ tstring Words(const std::vector<_tKeyHit>& vecHits) {
   for (const _tKeyHit& hit : vecHits) {
     if (hit.eKind == _tKeyHit::kCorrection) continue;
     if (!sOut.empty()) sOut += ' ';
-    sOut += hit.sWord + "/" + hit.sClass;
+    sOut.append(hit.sWord).append("/").append(hit.sClass);
   }
   return sOut;
 }
@@ -117,15 +117,17 @@ tstring CKeyScanner::GetLastErrorMsg() const {
   return m_sLastError;
 }
 
-void CKeyScanner::Scan(const tstring& sText, int nHandle, std::vector<_tKeyHit>& vecHits) const {
+std::shared_ptr<const CKeyScanData> CKeyScanner::Scan(const tstring& sText, int nHandle,
+                                                      std::vector<_tKeyHit>& vecHits) const {
   vecHits.clear();
   std::shared_ptr<const CKeyScanData> pData = GetData(nHandle);
   if (pData) pData->Scan(sText, vecHits);
+  return pData;
 }
 
 tstring CKeyScanner::ScanDetail(const tstring& sText, int nMode, int nHandle) const {
   std::vector<_tKeyHit> vecHits;
-  Scan(sText, nHandle, vecHits);
+  const std::shared_ptr<const CKeyScanData> pList = Scan(sText, nHandle, vecHits);  // the hits' texts
   switch (nMode) {
     case 0: return Words(vecHits);
     case 1: return Lines(vecHits);

@@ -34,8 +34,10 @@ class CKeyScanner {
   int Init(const char* sDataPath, int nEncoding);
 
   tstring ScanDetail(const tstring& sText, int nMode, int nHandle) const;
-  // Every hit of a text (see CKeyScanData::Scan).
-  void Scan(const tstring& sText, int nHandle, std::vector<_tKeyHit>& vecHits) const;
+  // Every hit of a text (see CKeyScanData::Scan). The hits point into the
+  // list returned, which the caller keeps while it reads them (an import may
+  // publish a new list meanwhile); null when the handle has no list.
+  std::shared_ptr<const CKeyScanData> Scan(const tstring& sText, int nHandle, std::vector<_tKeyHit>& vecHits) const;
 
   // The list calls of CKeyScanData on the list of a handle (0..kMaxHandle),
   // created when it does not exist. Their results as there.

@@ -70,7 +70,7 @@ TEST(ComplexFilterTest, ExpressionsHoldAsDocumented) {
     EXPECT_EQ(vecHits.size(), c.bHolds ? 1u : 0u) << c.szExpression << " in " << c.szText;
     if (!vecHits.empty()) {
       EXPECT_EQ(vecHits[0].eKind, _tKeyHit::kComplex);
-      EXPECT_EQ(vecHits[0].sClass, "law");
+      EXPECT_STREQ(vecHits[0].sClass, "law");
       EXPECT_EQ(vecHits[0].nWeight, 4);
     }
   }
@@ -87,10 +87,10 @@ TEST(ComplexFilterTest, CorrectionsTakeLeftmostLongestWithoutOverlap) {
   std::vector<_tKeyHit> vecHits;
   data.Scan("一股作气，再接再励", vecHits);
   ASSERT_EQ(vecHits.size(), 2u);
-  EXPECT_EQ(vecHits[0].sWord, "一股作气");
-  EXPECT_EQ(vecHits[0].sCorrection, "一鼓作气");
+  EXPECT_STREQ(vecHits[0].sWord, "一股作气");
+  EXPECT_STREQ(vecHits[0].sCorrection, "一鼓作气");
   EXPECT_EQ(vecHits[1].offset, 15u);
-  EXPECT_EQ(vecHits[1].sCorrection, "再接再厉");
+  EXPECT_STREQ(vecHits[1].sCorrection, "再接再厉");
 }
 
 }  // namespace

@@ -106,11 +106,11 @@ TEST(KeyScanDataTest, ASavedListLoadsAndAnswersTheSame) {
   ASSERT_EQ(vecLoaded.size(), vecBuilt.size());
   for (size_t i = 0; i < vecBuilt.size(); ++i) {
     EXPECT_EQ(vecLoaded[i].offset, vecBuilt[i].offset);
-    EXPECT_EQ(vecLoaded[i].sWord, vecBuilt[i].sWord);
-    EXPECT_EQ(vecLoaded[i].sCorrection, vecBuilt[i].sCorrection);
+    EXPECT_STREQ(vecLoaded[i].sWord, vecBuilt[i].sWord);
+    EXPECT_STREQ(vecLoaded[i].sCorrection, vecBuilt[i].sCorrection);
   }
   EXPECT_EQ(vecBuilt[0].eKind, _tKeyHit::kPinyin);
-  EXPECT_EQ(vecBuilt[0].sWord, "中国");
+  EXPECT_STREQ(vecBuilt[0].sWord, "中国");
 }
 
 TEST(KeyScanDataTest, LoadNamesTheMissingFile) {
