@@ -20,6 +20,8 @@ fi
 
 dpkg-deb -x "$runtime" "$tmp/root"
 dpkg-deb -f "$runtime" Depends | grep -q libime-data-language-model
+version=$(dpkg-deb -f "$runtime" Version)
+zcat "$tmp/root/usr/share/man/man1/tarvos.1.gz" | head -1 | grep -q "\"tarvos $version\""
 export LD_LIBRARY_PATH=$tmp/root/usr/lib
 rm -f "$tmp/root/usr/share/tarvos/Data/SearchAgent.xml"
 python3 "$src/scripts/pack_docx.py" "$src/examples/sample_report" "$tmp/sample_report.docx"
