@@ -28,7 +28,7 @@ CReportChecker::CReportChecker(const _tCheckServices* pServices)
       m_pBufManager(new CBufferManager),
       m_pDocument(new CDocument),
       m_pCheckResult(NewCheckResult()),
-      m_pDocReviser(new CDocReviser) {}
+      m_pDocReviser(new CDocReviser(pServices->pFontSizes, pServices->pMessages)) {}
 
 CReportChecker::~CReportChecker() = default;
 

@@ -6,6 +6,7 @@
 #include "cli/CheckCommand.h"
 #include "cli/DataDir.h"
 #include "cli/InfoCommand.h"
+#include "cli/ReviseCommand.h"
 #include "cli/SegCommand.h"
 #include "cli/SpellCommand.h"
 #include "cli/StructCommand.h"
@@ -30,6 +31,11 @@ int main(int argc, char** argv) {
   pSeg->add_option("--data", sData, "data directory");
   pSeg->add_flag("--tags", bTags, "write word/tag tokens");
   pSeg->add_option("--user-dict", sUserDict, "import a user dictionary first (word<TAB>tag lines)");
+
+  std::string sResult;
+  CLI::App* pRevise = app.add_subcommand("revise", "apply a saved result's findings, print the revised DOCX's path");
+  pRevise->add_option("result", sResult, "the result file a check wrote (_Check.xml or _Check.json)")->required();
+  pRevise->add_option("--data", sData, "data directory");
 
   CLI::App* pSpell = app.add_subcommand("spell", "check the spelling of UTF-8 lines from standard input");
   pSpell->add_option("--data", sData, "data directory");
@@ -133,6 +139,7 @@ int main(int argc, char** argv) {
 
   CLI11_PARSE(app, argc, argv);
 
+  if (pRevise->parsed()) return RunRevise(ChooseDataDir(sData), sResult, std::cout, std::cerr);
   if (pSpell->parsed()) return RunSpell(ChooseDataDir(sData), std::cin, std::cout, std::cerr);
   if (pDict->parsed()) {
     dict.action = pDict->get_subcommands().front()->get_name();

@@ -222,8 +222,16 @@ TARVOS_API const char* TARVOS_ImportDoc(const char* sReportFile, const char* sUR
 TARVOS_API const char* TARVOS_ImportDocFormat(const char* sReportFile, const char* sURLPrefix,
                                               int nResultFormat, int handle);
 
-/* Applies an edited finding list to the checked DOCX and writes the revised
-   copy. Returns the reviser's text. Owner: instance (INSTANCE). NULL on failure. */
+/* Applies the findings of a saved result (the "_Check.xml" or "_Check.json"
+   a check wrote, with the findings the user rejects deleted from it) to the
+   checked DOCX: texts, fonts, sizes, heading styles and line spacing are
+   edited, findings about the whole document are listed at its end, and a
+   finding that cannot be applied is skipped (its reason goes to the error
+   log). The working folder's "word/document.xml" is edited in place and
+   packed as "<name>_Revised_<YYYYmmddHHMMSS>.docx" beside the document,
+   which stays untouched. Returns that path. Owner: instance (INSTANCE).
+   NULL when the result or the document cannot be read or the DOCX cannot
+   be written. */
 TARVOS_API const char* TARVOS_ReviseReportF(const char* sReviseXMLFile, int handle);
 
 /* Redraws the HTML pages of a checked document from a saved, possibly edited,

@@ -1,0 +1,9 @@
+#pragma once
+// "tarvos revise RESULT": applies the findings of a saved result (the
+// "_Check.xml" or "_Check.json" a check wrote; delete the findings you reject
+// from it first) to its document, and prints the revised DOCX's path.
+#include <ostream>
+#include <string>
+
+// The process exit status: 0 when the revised DOCX was written.
+int RunRevise(const std::string& sDataDir, const std::string& sResult, std::ostream& out, std::ostream& err);
