@@ -15,6 +15,7 @@
 #include "utility/ErrorLog.h"
 #include "utility/FileUtil.h"
 #include "utility/Num2FontSize.h"
+#include "utility/XmlScan.h"
 
 namespace fs = std::filesystem;
 
@@ -26,20 +27,6 @@ const char kRevisionId[] = "005527A2";
 void Fail(const tstring& sWhy) {
   SetLastError(sWhy);
   WriteError(sWhy);
-}
-
-tstring EscapeXml(const tstring& sText) {
-  tstring sOut;
-  for (char c : sText) {
-    switch (c) {
-      case '&': sOut += "&amp;"; break;
-      case '<': sOut += "&lt;"; break;
-      case '>': sOut += "&gt;"; break;
-      case '"': sOut += "&quot;"; break;
-      default: sOut += c;
-    }
-  }
-  return sOut;
 }
 
 // The character an entity stands for, and its length; 0 for none we know.
