@@ -1,5 +1,7 @@
 #include "TestDataDir.h"
 
+#include <algorithm>
+
 #include <cstdlib>
 #include <ctime>
 #include <filesystem>
@@ -80,4 +82,25 @@ Json::Value ParseJson(const std::string& sText) {
   EXPECT_TRUE(pReader->parse(sText.data(), sText.data() + sText.size(), &root, &sErrors))
       << sErrors << sText.substr(0, 200);
   return root;
+}
+
+std::vector<std::string> CorpusDocx(const std::string& sCorpusDir) {
+  std::vector<std::string> vecNames;
+  for (const char* szSub : {"/zh", "/other"}) {
+    std::error_code ec;
+    for (const auto& entry : fs::directory_iterator(sCorpusDir + szSub, ec))
+      if (entry.path().extension() == ".docx") vecNames.push_back(entry.path().string());
+  }
+  std::sort(vecNames.begin(), vecNames.end());
+  return vecNames;
+}
+
+std::vector<std::string> CopyInto(const std::vector<std::string>& vecFiles, const std::string& sDir) {
+  std::vector<std::string> vecCopies;
+  for (const std::string& sFile : vecFiles) {
+    std::string sCopy = sDir + "/" + fs::path(sFile).filename().string();
+    fs::copy_file(sFile, sCopy, fs::copy_options::overwrite_existing);
+    vecCopies.push_back(sCopy);
+  }
+  return vecCopies;
 }

@@ -4,6 +4,7 @@
 // (the read-only lexicon folder is linked instead of copied).
 // The folder is removed when the object goes out of scope.
 #include <string>
+#include <vector>
 
 #include <json/json.h>
 
@@ -38,6 +39,13 @@ class CTempDir {
  private:
   std::string m_sPath;
 };
+
+// The DOCX files of a corpus folder's "zh" and "other" folders, sorted;
+// none when the corpus is absent.
+std::vector<std::string> CorpusDocx(const std::string& sCorpusDir);
+
+// Copies files into a folder; the copies' paths.
+std::vector<std::string> CopyInto(const std::vector<std::string>& vecFiles, const std::string& sDir);
 
 // Reads a whole file; "" when it cannot be read.
 std::string ReadWholeFile(const std::string& sPath);

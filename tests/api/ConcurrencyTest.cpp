@@ -20,29 +20,6 @@ namespace {
 
 const int kThreads = 4;
 
-std::vector<std::string> CorpusDocuments() {
-  std::vector<std::string> vecNames;
-  for (const char* szSub : {"/zh", "/other"}) {
-    std::error_code ec;
-    for (const auto& entry : fs::directory_iterator(std::string(TARVOS_CORPUS_DIR) + szSub, ec))
-      if (entry.path().extension() == ".docx") vecNames.push_back(entry.path().string());
-  }
-  std::sort(vecNames.begin(), vecNames.end());
-  return vecNames;
-}
-
-// A check writes its working folder and result beside the document, so
-// every thread checks copies of its own.
-std::vector<std::string> CopyInto(const std::vector<std::string>& vecFiles, const std::string& sDir) {
-  std::vector<std::string> vecCopies;
-  for (const std::string& sFile : vecFiles) {
-    std::string sCopy = sDir + "/" + fs::path(sFile).filename().string();
-    fs::copy_file(sFile, sCopy, fs::copy_options::overwrite_existing);
-    vecCopies.push_back(sCopy);
-  }
-  return vecCopies;
-}
-
 // The JSON result without the one line that names the folder it lies in.
 std::string WithoutFolder(const char* szResult) {
   if (szResult == nullptr) return "(failed: " + std::string(TARVOS_GetThreadLastErrorMsg()) + ")";
@@ -60,7 +37,7 @@ std::vector<std::string> CheckAll(const std::vector<std::string>& vecFiles, int 
 }
 
 TEST(ConcurrencyTest, InstancesOnThreadsGiveTheSequentialResults) {
-  const std::vector<std::string> vecCorpus = CorpusDocuments();
+  const std::vector<std::string> vecCorpus = CorpusDocx(TARVOS_CORPUS_DIR);
   if (vecCorpus.empty()) GTEST_SKIP() << "no corpus at " << TARVOS_CORPUS_DIR;
   CTestDataDir data;
   CTempDir work;
