@@ -114,6 +114,14 @@ extern "C" TARVOS_API const char* TARVOS_ReviseReportF(const char* sReviseXMLFil
   });
 }
 
+extern "C" TARVOS_API const char* TARVOS_ReviseReportTracked(const char* sReviseXMLFile, const char* sAuthor,
+                                                             int handle) {
+  return WithInstance<const char*>(__func__, nullptr, handle, [=](CReportChecker& checker, const char* sFn) -> const char* {
+    if (!ArgGiven(sFn, "sReviseXMLFile", sReviseXMLFile)) return nullptr;
+    return checker.ReviseF(GetAnsiFilename(sReviseXMLFile).c_str(), true, sAuthor);
+  });
+}
+
 // Null is success here; a failure returns its text. An invalid handle still
 // returns null, like every other instance call.
 extern "C" TARVOS_API const char* TARVOS_ShowHtmlError(const char* sReviseXMLFile, int handle) {

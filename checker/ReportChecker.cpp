@@ -149,7 +149,8 @@ int CReportChecker::ReCheckFormat(const char* sReviseXMLFile, int nTemplateID) {
   return m_pServices->pFormatChecker->ReCheck(*m_pDocument, *m_pCheckResult, nTemplateID);
 }
 
-const char* CReportChecker::ReviseF(const char* sReviseXMLResult) {
+const char* CReportChecker::ReviseF(const char* sReviseXMLResult, bool bTrack, const char* sAuthor) {
+  m_pDocReviser->SetTracking(bTrack, sAuthor ? sAuthor : "");
   const char* sRevised = m_pDocReviser->Revise(sReviseXMLResult);
   return sRevised ? Keep(kTextRevise, sRevised) : nullptr;
 }

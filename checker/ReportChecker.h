@@ -71,7 +71,9 @@ class CReportChecker {
   // Format check again from a saved result. Returns 1; -1 on failure.
   int ReCheckFormat(const char* sReviseXMLFile, int nTemplateID);
 
-  const char* ReviseF(const char* sReviseXMLResult);
+  // The revised DOCX of a saved result (see CDocReviser), its edits as
+  // tracked changes by sAuthor when bTrack; null on failure.
+  const char* ReviseF(const char* sReviseXMLResult, bool bTrack = false, const char* sAuthor = nullptr);
 
   // Redraws the HTML pages from a saved result. 1 on success; -1 when the
   // result cannot be read, -2 when the pages cannot be drawn (the reason in

@@ -35,6 +35,10 @@ int main(int argc, char** argv) {
   std::string sResult;
   CLI::App* pRevise = app.add_subcommand("revise", "apply a saved result's findings, print the revised DOCX's path");
   pRevise->add_option("result", sResult, "the result file a check wrote (_Check.xml or _Check.json)")->required();
+  bool bTrack = false;
+  std::string sAuthor = "Tarvos";
+  pRevise->add_flag("--track-changes", bTrack, "write the edits as tracked changes, with a comment per finding");
+  pRevise->add_option("--author", sAuthor, "author of the tracked changes and comments (default Tarvos)");
   pRevise->add_option("--data", sData, "data directory");
 
   CLI::App* pSpell = app.add_subcommand("spell", "check the spelling of UTF-8 lines from standard input");
@@ -139,7 +143,7 @@ int main(int argc, char** argv) {
 
   CLI11_PARSE(app, argc, argv);
 
-  if (pRevise->parsed()) return RunRevise(ChooseDataDir(sData), sResult, std::cout, std::cerr);
+  if (pRevise->parsed()) return RunRevise(ChooseDataDir(sData), sResult, bTrack, sAuthor, std::cout, std::cerr);
   if (pSpell->parsed()) return RunSpell(ChooseDataDir(sData), std::cin, std::cout, std::cerr);
   if (pDict->parsed()) {
     dict.action = pDict->get_subcommands().front()->get_name();

@@ -234,6 +234,14 @@ TARVOS_API const char* TARVOS_ImportDocFormat(const char* sReportFile, const cha
    be written. */
 TARVOS_API const char* TARVOS_ReviseReportF(const char* sReviseXMLFile, int handle);
 
+/* As TARVOS_ReviseReportF, but every edit is written as a Word tracked change
+   by sAuthor (NULL or "" is "Tarvos"): deleted and inserted text in w:del and
+   w:ins runs, changed fonts, sizes, styles and spacing with their old values
+   in w:rPrChange / w:pPrChange, and each applied finding's message as a
+   comment on its paragraph, so a reviewer accepts or rejects each edit in a
+   word processor. Owner: instance (INSTANCE). NULL on failure. */
+TARVOS_API const char* TARVOS_ReviseReportTracked(const char* sReviseXMLFile, const char* sAuthor, int handle);
+
 /* Redraws the HTML pages of a checked document from a saved, possibly edited,
    result. Returns NULL on success and the error text on failure (an inverted
    convention, kept for existing hosts): this thread's last error. Owner of

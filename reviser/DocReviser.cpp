@@ -78,6 +78,23 @@ int ReplaceAll(tstring& sText, const tstring& sFrom, const tstring& sTo) {
   return nCount;
 }
 
+// Reads a part (empty when absent), edits it and writes it back whole.
+bool EditPart(const tstring& sFile, const std::function<void(tstring&)>& fnEdit) {
+  tstring sText;
+  ReadFileText(sFile, sText);
+  fnEdit(sText);
+  std::error_code ec;
+  fs::create_directories(fs::path(sFile).parent_path(), ec);
+  return WriteFileReplacing(sFile, [&sText](FILE* fp) { return fwrite(sText.data(), 1, sText.size(), fp) == sText.size(); });
+}
+
+// "<Root .../>" becomes "<Root ...></Root>", so that children can go in.
+void OpenEmptyRoot(tstring& sXml, const tstring& sRoot) {
+  if (sXml.rfind("</" + sRoot + ">") != tstring::npos) return;
+  size_t nRoot = sXml.find("<" + sRoot), nEnd = nRoot == tstring::npos ? nRoot : sXml.find('>', nRoot);
+  if (nEnd != tstring::npos && sXml[nEnd - 1] == '/') sXml.replace(nEnd - 1, 2, "></" + sRoot + ">");
+}
+
 tstring TimeStamp() {
   time_t tNow = time(nullptr);
   struct tm tmNow;
@@ -115,10 +132,12 @@ bool AddToZip(zipFile zip, const tstring& sFolder, const tstring& sName) {
 }  // namespace
 
 // The document text of a paragraph: its w:t contents, entities decoded, with
-// the XML position and length each byte came from.
+// the XML position and length each byte came from, and for each byte the run
+// properties ("<w:rPr>...</w:rPr>" or "") of the run that holds it.
 struct CDocReviser::_tTextMap {
   tstring sPlain;
-  std::vector<size_t> vecPos, vecLen;
+  std::vector<size_t> vecPos, vecLen, vecPiece;
+  std::vector<tstring> vecRunProps;  // per w:t piece
 
   explicit _tTextMap(const tstring& sXml) {
     for (size_t i = sXml.find("<w:t"); i != tstring::npos; i = sXml.find("<w:t", i + 4)) {
@@ -127,12 +146,14 @@ struct CDocReviser::_tTextMap {
       if (nOpenEnd == tstring::npos || sXml[nOpenEnd - 1] == '/') continue;
       size_t nClose = sXml.find("</w:t>", nOpenEnd);
       if (nClose == tstring::npos) break;
+      vecRunProps.push_back(RunProps(sXml, i));
       for (size_t j = nOpenEnd + 1; j < nClose;) {
         size_t nLength;
         char c = sXml[j] == '&' ? DecodeEntity(sXml, j, nLength) : (nLength = 1, sXml[j]);
         sPlain += c ? c : sXml[j];
         vecPos.push_back(j);
         vecLen.push_back(nLength);
+        vecPiece.push_back(vecRunProps.size() - 1);
         j += nLength;
       }
       i = nClose;
@@ -140,10 +161,41 @@ struct CDocReviser::_tTextMap {
   }
   // Where the XML of the text byte at nPlain ends.
   size_t XmlEnd(size_t nPlain) const { return vecPos[nPlain] + vecLen[nPlain]; }
+
+  // The properties of the run that holds the w:t at nText.
+  static tstring RunProps(const tstring& sXml, size_t nText) {
+    size_t nRun = nText;
+    while ((nRun = sXml.rfind("<w:r", nRun - 1)) != tstring::npos && nRun > 0)
+      if (sXml[nRun + 4] == '>' || sXml[nRun + 4] == ' ') break;
+    if (nRun == tstring::npos) return "";
+    size_t nProps = sXml.find("<w:rPr>", nRun), nPropsEnd = sXml.find("</w:rPr>", nRun);
+    if (nProps == tstring::npos || nProps > nText || nPropsEnd == tstring::npos || nPropsEnd > nText) return "";
+    return sXml.substr(nProps, nPropsEnd + 8 - nProps);
+  }
 };
 
 CDocReviser::CDocReviser(const CNum2FontSize* pFontSizes, const CID2Message* pMessages)
     : m_pFontSizes(pFontSizes), m_pMessages(pMessages) {}
+
+void CDocReviser::SetTracking(bool bTrack, const tstring& sAuthor) {
+  m_bTrack = bTrack;
+  m_sAuthor = sAuthor.empty() ? "Tarvos" : sAuthor;
+}
+
+// Change and comment ids start above every w:id the document uses.
+void CDocReviser::StartRevision(const tstring& sDocument) {
+  m_vecComments.clear();
+  long nMax = 0;
+  for (size_t i = sDocument.find(" w:id=\""); i != tstring::npos; i = sDocument.find(" w:id=\"", i + 1))
+    nMax = std::max(nMax, strtol(sDocument.c_str() + i + 7, nullptr, 10));
+  m_nNextId = (int)std::min(nMax, 1L << 30) + 1;
+  time_t tNow = time(nullptr);
+  struct tm tmNow;
+  gmtime_r(&tNow, &tmNow);
+  char sDate[32];
+  strftime(sDate, sizeof(sDate), "%Y-%m-%dT%H:%M:%SZ", &tmNow);
+  m_sDate = sDate;
+}
 
 const char* CDocReviser::Revise(const char* sReviseXMLFile) {
   m_sFilename.clear();
@@ -160,9 +212,11 @@ const char* CDocReviser::Revise(const char* sReviseXMLFile) {
     Fail("Failed read file " + sDocumentFile);
     return nullptr;
   }
+  StartRevision(sDocument);
   const std::vector<_tCheckResult>& vecFindings = pResult->GetFindings();
   for (size_t i = vecFindings.size(); i-- > 0;) ParagraphRevise(sDocument, vecFindings[i]);
   if (!m_vecWholeDocument.empty()) AddInfoInEnding(sDocument);
+  if (!m_vecComments.empty() && !WriteComments(sWorkDir)) return nullptr;
   if (!WriteFileReplacing(sDocumentFile, [&sDocument](FILE* fp) {
         return fwrite(sDocument.data(), 1, sDocument.size(), fp) == sDocument.size();
       })) {
@@ -182,8 +236,10 @@ int CDocReviser::ParagraphRevise(tstring& sDocument, const _tCheckResult& result
   if (!ParagraphBounds(sDocument, result.para_id, nStart, nEnd)) return -2;
   tstring sParagraph = sDocument.substr(nStart, nEnd - nStart);
   int nStatus = FieldRevise(sParagraph, result);
-  if (nStatus == 1) sDocument.replace(nStart, nEnd - nStart, sParagraph);
-  return nStatus;
+  if (nStatus != 1) return nStatus;
+  if (m_bTrack) AddComment(sParagraph, result);
+  sDocument.replace(nStart, nEnd - nStart, sParagraph);
+  return 1;
 }
 
 bool CDocReviser::ParagraphBounds(const tstring& sDocument, uint32_t nId, size_t& nStart, size_t& nEnd) const {
@@ -205,7 +261,7 @@ bool CDocReviser::ParagraphBounds(const tstring& sDocument, uint32_t nId, size_t
   return true;
 }
 
-int CDocReviser::FieldRevise(tstring& sParagraph, const _tCheckResult& result) const {
+int CDocReviser::FieldRevise(tstring& sParagraph, const _tCheckResult& result) {
   switch (result.field_id) {
     case 0: return FontRevise(sParagraph, result);
     case 1: return SizeRevise(sParagraph, result);
@@ -216,31 +272,39 @@ int CDocReviser::FieldRevise(tstring& sParagraph, const _tCheckResult& result) c
   }
 }
 
-int CDocReviser::FontRevise(tstring& sParagraph, const _tCheckResult& result) const {
-  if (ReplaceAll(sParagraph, "\"" + result.org_str + "\"", "\"" + EscapeXml(result.new_str) + "\"") == 0) {
+int CDocReviser::FontRevise(tstring& sParagraph, const _tCheckResult& result) {
+  const tstring sEastAsia = "w:eastAsia=\"" + EscapeXml(result.new_str) + "\" ";
+  int nCount = BlockRevise(sParagraph, "w:rPr", [&](tstring& sProps) {
+    int n = ReplaceAll(sProps, "\"" + result.org_str + "\"", "\"" + EscapeXml(result.new_str) + "\"");
+    if (n == 0) return 0;
+    for (size_t i = sProps.find("<w:rFonts "); i != tstring::npos; i = sProps.find("<w:rFonts ", i + 1)) {
+      size_t nClose = sProps.find('>', i);
+      if (nClose != tstring::npos && sProps.substr(i, nClose - i).find("w:eastAsia=\"") == tstring::npos)
+        sProps.insert(i + 10, sEastAsia);
+    }
+    return n;
+  });
+  if (nCount == 0) {
     Fail("Cannot locate \"" + result.org_str + "\" \"" + result.new_str + "\"");
     return -1;
-  }
-  const tstring sEastAsia = "w:eastAsia=\"" + EscapeXml(result.new_str) + "\" ";
-  for (size_t i = sParagraph.find("<w:rFonts "); i != tstring::npos; i = sParagraph.find("<w:rFonts ", i + 1)) {
-    size_t nClose = sParagraph.find('>', i);
-    if (nClose != tstring::npos && sParagraph.substr(i, nClose - i).find("w:eastAsia=\"") == tstring::npos)
-      sParagraph.insert(i + 10, sEastAsia);
   }
   return 1;
 }
 
 // Sizes change only in the size tags: w:val of the same number elsewhere
 // (kerning, widths) means something else.
-int CDocReviser::SizeRevise(tstring& sParagraph, const _tCheckResult& result) const {
+int CDocReviser::SizeRevise(tstring& sParagraph, const _tCheckResult& result) {
   const int nOld = m_pFontSizes ? m_pFontSizes->GetSize(result.org_str) : -1;
   const int nNew = m_pFontSizes ? m_pFontSizes->GetSize(result.new_str) : -1;
   int nCount = 0;
   if (nOld > 0 && nNew > 0)
-    for (const char* szTag : {"<w:sz ", "<w:szCs "}) {
-      const tstring sFrom = tstring(szTag) + "w:val=\"" + std::to_string(nOld) + "\"";
-      nCount += ReplaceAll(sParagraph, sFrom, tstring(szTag) + "w:val=\"" + std::to_string(nNew) + "\"");
-    }
+    nCount = BlockRevise(sParagraph, "w:rPr", [&](tstring& sProps) {
+      int n = 0;
+      for (const char* szTag : {"<w:sz ", "<w:szCs "})
+        n += ReplaceAll(sProps, tstring(szTag) + "w:val=\"" + std::to_string(nOld) + "\"",
+                        tstring(szTag) + "w:val=\"" + std::to_string(nNew) + "\"");
+      return n;
+    });
   if (nCount == 0) {
     Fail("Cannot locate w:val=\"" + std::to_string(nOld) + "\" w:val=\"" + std::to_string(nNew) + "\"");
     return -1;
@@ -248,36 +312,77 @@ int CDocReviser::SizeRevise(tstring& sParagraph, const _tCheckResult& result) co
   return 1;
 }
 
-int CDocReviser::StyleRevise(tstring& sParagraph, const _tCheckResult& result) const {
-  tstring sOld = "<w:pStyle w:val=\"" + result.org_str + "\"/>";
-  size_t nAt = sParagraph.find(sOld);
-  if (nAt == tstring::npos) {
-    sOld = "<w:outlineLvl w:val=\"" + std::to_string(atoi(result.org_str.c_str())) + "\"/>";
-    nAt = sParagraph.find(sOld);
-  }
+int CDocReviser::StyleRevise(tstring& sParagraph, const _tCheckResult& result) {
   const tstring sNew = "<w:pStyle w:val=\"" + EscapeXml(result.new_str) + "\"/>";
-  if (nAt == tstring::npos) {
-    Fail("Cannot locate " + sOld + " " + sNew);
+  tstring sTried;
+  int nCount = BlockRevise(sParagraph, "w:pPr", [&](tstring& sProps) {
+    tstring sOld = "<w:pStyle w:val=\"" + result.org_str + "\"/>";
+    size_t nAt = sProps.find(sOld);
+    if (nAt == tstring::npos) {
+      sOld = "<w:outlineLvl w:val=\"" + std::to_string(atoi(result.org_str.c_str())) + "\"/>";
+      nAt = sProps.find(sOld);
+    }
+    sTried = sOld;
+    if (nAt == tstring::npos) return 0;
+    if (result.revise_type == 1 || result.revise_type == 2) sProps.erase(nAt, sOld.size());
+    if (result.revise_type == 0 || result.revise_type == 1) sProps.insert(nAt, sNew);
+    return 1;
+  });
+  if (nCount == 0) {
+    Fail("Cannot locate " + sTried + " " + sNew);
     return -1;
   }
-  if (result.revise_type == 1 || result.revise_type == 2) sParagraph.erase(nAt, sOld.size());
-  if (result.revise_type == 0 || result.revise_type == 1) sParagraph.insert(nAt, sNew);
   return 1;
 }
 
-int CDocReviser::LineSpaceRevise(tstring& sParagraph, const _tCheckResult& result) const {
+int CDocReviser::LineSpaceRevise(tstring& sParagraph, const _tCheckResult& result) {
   const tstring sOld = "w:line=\"" + std::to_string(atoi(result.org_str.c_str()) * 20) + "\"";
   const tstring sNew = "w:line=\"" + std::to_string(atoi(result.new_str.c_str()) * 20) + "\"";
-  size_t nAt = sParagraph.find(sOld);
-  if (nAt == tstring::npos) {
+  int nCount = BlockRevise(sParagraph, "w:pPr", [&](tstring& sProps) {
+    size_t nAt = sProps.find(sOld);
+    if (nAt == tstring::npos) return 0;
+    sProps.replace(nAt, sOld.size(), sNew);
+    return 1;
+  });
+  if (nCount == 0) {
     Fail("Cannot locate " + sOld + " " + sNew);
     return -1;
   }
-  sParagraph.replace(nAt, sOld.size(), sNew);
   return 1;
 }
 
-int CDocReviser::TextRevise(tstring& sParagraph, const _tCheckResult& result) const {
+int CDocReviser::BlockRevise(tstring& sParagraph, const char* szBlock, const std::function<int(tstring&)>& fnEdit) {
+  const tstring sOpen = tstring("<") + szBlock + ">", sClose = tstring("</") + szBlock + ">";
+  int nCount = 0;
+  for (size_t i = sParagraph.find(sOpen); i != tstring::npos; i = sParagraph.find(sOpen, i + 1)) {
+    const size_t nStart = i + sOpen.size(), nEnd = sParagraph.find(sClose, nStart);
+    if (nEnd == tstring::npos) break;
+    const tstring sOld = sParagraph.substr(nStart, nEnd - nStart);
+    tstring sNew = sOld;
+    int n = fnEdit(sNew);
+    if (n == 0) continue;
+    nCount += n;
+    if (m_bTrack) {
+      // The old properties, without the run properties a paragraph's carry.
+      tstring sBase = sOld;
+      size_t nProps = sBase.find("<w:rPr>"), nPropsEnd = sBase.find("</w:rPr>");
+      if (sOpen == "<w:pPr>" && nProps != tstring::npos && nPropsEnd != tstring::npos)
+        sBase.erase(nProps, nPropsEnd + 8 - nProps);
+      sNew += "<" + tstring(szBlock) + "Change " + ChangeAttributes() + ">" + sOpen + sBase + sClose + "</" +
+              szBlock + "Change>";
+    }
+    sParagraph.replace(nStart, nEnd - nStart, sNew);
+    i = nStart + sNew.size();
+  }
+  return nCount;
+}
+
+tstring CDocReviser::ChangeAttributes() {
+  return "w:id=\"" + std::to_string(m_nNextId++) + "\" w:author=\"" + EscapeXml(m_sAuthor) + "\" w:date=\"" +
+         m_sDate + "\"";
+}
+
+int CDocReviser::TextRevise(tstring& sParagraph, const _tCheckResult& result) {
   const bool bInsert = result.revise_type == 0 || result.revise_type == 4;
   if (!bInsert && result.revise_type != 1 && result.revise_type != 2 && result.revise_type != 3) return 1;
   const _tTextMap text(sParagraph);
@@ -291,6 +396,7 @@ int CDocReviser::TextRevise(tstring& sParagraph, const _tCheckResult& result) co
     Fail(result.org_str + " Cannot locate in the document.");
     return -1;
   }
+  if (m_bTrack) return TrackedTextRevise(sParagraph, text, nFound, result);
   const size_t nOrgEnd = nFound + result.org_str.size();
   if (bInsert) {
     // A proposal that repeats the text it follows ("500" -> "500元") adds
@@ -304,6 +410,89 @@ int CDocReviser::TextRevise(tstring& sParagraph, const _tCheckResult& result) co
   for (size_t i = nOrgEnd; i-- > nFound;) sParagraph.erase(text.vecPos[i], text.vecLen[i]);  // from the end
   if (result.revise_type != 2) sParagraph.insert(nInsertAt, NormalizeText(result.new_str));
   return 1;
+}
+
+// The same edit as w:del and w:ins runs: each run the old text touches is
+// split around its part, which moves into a w:del run of the same
+// properties; the new text goes into a w:ins run before it.
+int CDocReviser::TrackedTextRevise(tstring& sParagraph, const _tTextMap& text, size_t nFound,
+                                   const _tCheckResult& result) {
+  const size_t nOrgEnd = nFound + result.org_str.size();
+  const bool bInsert = result.revise_type == 0 || result.revise_type == 4;
+  const bool bExtends = bInsert && result.new_str.compare(0, result.org_str.size(), result.org_str) == 0;
+  auto fnSplit = [&](size_t nByte, const tstring& sMiddle) {
+    return "</w:t></w:r>" + sMiddle + "<w:r>" + text.vecRunProps[text.vecPiece[nByte]] + "<w:t xml:space=\"preserve\">";
+  };
+  if (!bInsert) {
+    for (size_t nEnd = nOrgEnd; nEnd > nFound;) {  // piece by piece, from the end
+      size_t nBegin = nEnd - 1;
+      while (nBegin > nFound && text.vecPiece[nBegin - 1] == text.vecPiece[nEnd - 1]) nBegin--;
+      const size_t nXml = text.vecPos[nBegin], nXmlEnd = text.XmlEnd(nEnd - 1);
+      const tstring sDeleted = sParagraph.substr(nXml, nXmlEnd - nXml);
+      sParagraph.replace(nXml, nXmlEnd - nXml,
+                         fnSplit(nBegin, "<w:del " + ChangeAttributes() + "><w:r>" +
+                                             text.vecRunProps[text.vecPiece[nBegin]] +
+                                             "<w:delText xml:space=\"preserve\">" + sDeleted + "</w:delText></w:r></w:del>"));
+      nEnd = nBegin;
+    }
+  }
+  if (result.revise_type == 2) return 1;
+  const tstring sNew = bExtends ? result.new_str.substr(result.org_str.size()) : result.new_str;
+  const size_t nByte = bExtends ? nOrgEnd - 1 : nFound;
+  const size_t nAt = bExtends ? text.XmlEnd(nByte) : text.vecPos[nByte];
+  sParagraph.insert(nAt, fnSplit(nByte, "<w:ins " + ChangeAttributes() + "><w:r>" + text.vecRunProps[text.vecPiece[nByte]] +
+                                            "<w:t xml:space=\"preserve\">" + NormalizeText(sNew) + "</w:t></w:r></w:ins>"));
+  return 1;
+}
+
+// The finding's message as a comment on its whole paragraph.
+void CDocReviser::AddComment(tstring& sParagraph, const _tCheckResult& result) {
+  const int nId = m_nNextId++;
+  tstring sText = result.error_msg.empty() ? result.error_id : result.error_msg;
+  if (!result.org_str.empty() || !result.new_str.empty()) sText += "（" + result.org_str + "→" + result.new_str + "）";
+  m_vecComments.push_back({nId, sText});
+  const tstring sId = std::to_string(nId);
+  sParagraph.insert(sParagraph.size() - 6, "<w:commentRangeEnd w:id=\"" + sId + "\"/><w:r><w:commentReference w:id=\"" +
+                                               sId + "\"/></w:r>");
+  size_t nAfter = sParagraph.find("</w:pPr>");
+  nAfter = nAfter != tstring::npos ? nAfter + 8 : sParagraph.find('>') + 1;
+  sParagraph.insert(nAfter, "<w:commentRangeStart w:id=\"" + sId + "\"/>");
+}
+
+// Adds the comments to "word/comments.xml" (made when absent, with its
+// relationship and content type).
+bool CDocReviser::WriteComments(const tstring& sWorkDir) const {
+  tstring sComments;
+  for (const _tComment& c : m_vecComments)
+    sComments += "<w:comment w:id=\"" + std::to_string(c.nId) + "\" w:author=\"" + EscapeXml(m_sAuthor) +
+                 "\" w:date=\"" + m_sDate + "\" w:initials=\"T\"><w:p><w:r><w:t xml:space=\"preserve\">" +
+                 EscapeXml(c.sText) + "</w:t></w:r></w:p></w:comment>";
+  const tstring sFile = sWorkDir + "/word/comments.xml";
+  tstring sXml;
+  if (!ReadFileText(sFile, sXml) || sXml.rfind("</w:comments>") == tstring::npos)
+    sXml = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n<w:comments "
+           "xmlns:w=\"http://schemas.openxmlformats.org/wordprocessingml/2006/main\"></w:comments>";
+  sXml.insert(sXml.rfind("</w:comments>"), sComments);
+  bool bOk = EditPart(sFile, [&sXml](tstring& sText) { sText = sXml; });
+  bOk = bOk && EditPart(sWorkDir + "/word/_rels/document.xml.rels", [](tstring& sText) {
+          if (sText.find("relationships/comments\"") != tstring::npos) return;
+          OpenEmptyRoot(sText, "Relationships");
+          if (sText.rfind("</Relationships>") == tstring::npos)
+            sText = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\r\n<Relationships "
+                    "xmlns=\"http://schemas.openxmlformats.org/package/2006/relationships\"></Relationships>";
+          sText.insert(sText.rfind("</Relationships>"),
+                       "<Relationship Id=\"rIdTarvosComments\" Type=\"http://schemas.openxmlformats.org/"
+                       "officeDocument/2006/relationships/comments\" Target=\"comments.xml\"/>");
+        });
+  bOk = bOk && EditPart(sWorkDir + "/[Content_Types].xml", [](tstring& sText) {
+          OpenEmptyRoot(sText, "Types");
+          if (sText.find("/word/comments.xml") != tstring::npos || sText.rfind("</Types>") == tstring::npos) return;
+          sText.insert(sText.rfind("</Types>"),
+                       "<Override PartName=\"/word/comments.xml\" ContentType=\"application/"
+                       "vnd.openxmlformats-officedocument.wordprocessingml.comments+xml\"/>");
+        });
+  if (!bOk) Fail("Fail write file " + sFile);
+  return bOk;
 }
 
 void CDocReviser::AddInfoInEnding(tstring& sDocument) const {

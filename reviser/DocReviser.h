@@ -38,6 +38,15 @@
 // "<name>_Revised_<YYYYmmddHHMMSS>.docx" beside the document, written through
 // a temporary name; a name that already holds "_Revised" is cut there first,
 // so revising a revised document does not pile up suffixes.
+//
+// With tracking on (SetTracking), the same edits are written as Word tracked
+// changes by the given author, for a reviewer to accept or reject one by
+// one: deleted text goes into w:del runs (w:delText), new text into w:ins
+// runs, changed run and paragraph properties carry their old values in
+// w:rPrChange / w:pPrChange; and each applied finding's message becomes a
+// comment on its paragraph ("word/comments.xml", with its relationship and
+// content type, added to or merged into the package).
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -58,24 +67,44 @@ class CDocReviser {
   // result or the document cannot be read or the DOCX cannot be written.
   const char* Revise(const char* sReviseXMLFile);
 
+  // Tracked changes by sAuthor from the next Revise on; off writes plain edits.
+  void SetTracking(bool bTrack, const tstring& sAuthor);
+
   // Applies one finding to the document text. 1 applied (or nothing to do),
   // 2 listed at the end, negative when it cannot be applied (last error set).
   int ParagraphRevise(tstring& sDocument, const _tCheckResult& result);
 
  private:
   struct _tTextMap;
+  struct _tComment {
+    int nId;
+    tstring sText;
+  };
   bool ParagraphBounds(const tstring& sDocument, uint32_t nId, size_t& nStart, size_t& nEnd) const;
-  int FieldRevise(tstring& sParagraph, const _tCheckResult& result) const;
-  int FontRevise(tstring& sParagraph, const _tCheckResult& result) const;
-  int SizeRevise(tstring& sParagraph, const _tCheckResult& result) const;
-  int StyleRevise(tstring& sParagraph, const _tCheckResult& result) const;
-  int LineSpaceRevise(tstring& sParagraph, const _tCheckResult& result) const;
-  int TextRevise(tstring& sParagraph, const _tCheckResult& result) const;
+  int FieldRevise(tstring& sParagraph, const _tCheckResult& result);
+  int FontRevise(tstring& sParagraph, const _tCheckResult& result);
+  int SizeRevise(tstring& sParagraph, const _tCheckResult& result);
+  int StyleRevise(tstring& sParagraph, const _tCheckResult& result);
+  int LineSpaceRevise(tstring& sParagraph, const _tCheckResult& result);
+  int TextRevise(tstring& sParagraph, const _tCheckResult& result);
+  int TrackedTextRevise(tstring& sParagraph, const _tTextMap& text, size_t nFound, const _tCheckResult& result);
+  // Applies a property edit to each w:rPr (or w:pPr) block of a paragraph,
+  // recording the old block in a change element when tracking.
+  int BlockRevise(tstring& sParagraph, const char* szBlock, const std::function<int(tstring&)>& fnEdit);
+  tstring ChangeAttributes();
+  void AddComment(tstring& sParagraph, const _tCheckResult& result);
+  bool WriteComments(const tstring& sWorkDir) const;
   void AddInfoInEnding(tstring& sDocument) const;
   bool GenerateNewDocx(const tstring& sWorkDir, const tstring& sName);
+  void StartRevision(const tstring& sDocument);
 
   const CNum2FontSize* m_pFontSizes;
   const CID2Message* m_pMessages;
   std::vector<_tCheckResult> m_vecWholeDocument;  // findings listed at the end
   tstring m_sFilename;                            // the revised DOCX
+  bool m_bTrack = false;
+  tstring m_sAuthor;
+  tstring m_sDate;                  // of this revision, ISO 8601
+  int m_nNextId = 0;                // for change and comment ids, above the document's own
+  std::vector<_tComment> m_vecComments;
 };

@@ -31,6 +31,7 @@ const NullCase kNullCases[] = {
     {"LoadDocResult", [] { return TARVOS_LoadDocResult(nullptr, 0) == 0; }},
     {"ImportDoc", [] { return TARVOS_ImportDoc(nullptr, nullptr, 0) == nullptr; }},
     {"ReviseReportF", [] { return TARVOS_ReviseReportF(nullptr, 0) == nullptr; }},
+    {"ReviseReportTracked", [] { return TARVOS_ReviseReportTracked(nullptr, nullptr, 0) == nullptr; }},
     {"ReCheckFormat", [] { return TARVOS_ReCheckFormat(nullptr, 1, 0, 0) == nullptr; }},
     {"ScanTextMem", [] { return ZYG_ScanTextMem(nullptr, 0, 0, 0) == nullptr; }},
     {"ExtractKnowledge", [] { return TARVOS_ExtractKnowledge(nullptr, 1) == nullptr; }},

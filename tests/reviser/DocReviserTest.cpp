@@ -56,7 +56,7 @@ class DocReviserTest : public ::testing::Test {
 
   // Saves the findings as a check would and revises; the revised DOCX's
   // document.xml, or "" when the reviser failed.
-  std::string Revise(std::vector<_tCheckResult> vecFindings) {
+  std::string Revise(std::vector<_tCheckResult> vecFindings, bool bTrack = false) {
     CCheckResult result(&m_messages);
     for (_tCheckResult& r : vecFindings) result.AddResult(r);
     const std::string sWork = m_dir.Path() + "/" + m_sName + "_unzip";
@@ -64,6 +64,7 @@ class DocReviserTest : public ::testing::Test {
     const std::string sFile = m_dir.Path() + "/" + m_sName + "_Check.xml";
     std::ofstream(sFile, std::ios::binary) << sXml;
     CDocReviser reviser(&m_sizes, &m_messages);
+    reviser.SetTracking(bTrack, "审阅人");
     const char* sRevised = reviser.Revise(sFile.c_str());
     if (sRevised == nullptr) return "";
     m_sRevised = sRevised;
@@ -175,6 +176,36 @@ TEST_F(DocReviserTest, LinksInTheWorkingFolderAreLeftOut) {
   ASSERT_FALSE(Revise({}).empty()) << GetLastError();
   EXPECT_EQ(ReadPart(m_sRevised, "word/link.xml"), "");
   EXPECT_NE(ReadPart(m_sRevised, "[Content_Types].xml"), "");
+}
+
+// Tracked, the same edits become w:del / w:ins runs and property changes
+// that keep the old values, each finding a comment on its paragraph.
+TEST_F(DocReviserTest, TrackedChangesKeepTheOldTextAndPropertiesWithComments) {
+  Unpack(Para(TextRun("甲乙") + TextRun("丙丁", "<w:b/>")) + Para(TextRun("正文", "<w:rFonts w:ascii=\"宋体\"/>")) +
+         "<w:bookmarkStart w:id=\"7\" w:name=\"x\"/>");
+  _tCheckResult text = Finding(ParaId(0), 3, 2, 1, "乙丙", "乙丙丙"), font = Finding(ParaId(1), 0, 0, 1, "宋体", "黑体");
+  const std::string sRevised = Revise({text, font}, true);
+  ASSERT_FALSE(sRevised.empty()) << GetLastError();
+  const char* kExpected[] = {
+      "<w:t xml:space=\"preserve\">甲</w:t></w:r><w:ins w:id=\"",
+      "<w:delText xml:space=\"preserve\">乙</w:delText>",
+      "<w:rPr><w:b/></w:rPr><w:delText xml:space=\"preserve\">丙</w:delText>",
+      "<w:t xml:space=\"preserve\">乙丙丙</w:t></w:r></w:ins>",
+      "<w:rFonts w:eastAsia=\"黑体\" w:ascii=\"黑体\"/><w:rPrChange w:id=\"",
+      "w:author=\"审阅人\"",
+      "><w:rPr><w:rFonts w:ascii=\"宋体\"/></w:rPr></w:rPrChange>",
+      "<w:commentRangeStart w:id=\"",
+      "<w:r><w:commentReference w:id=\"",
+  };
+  for (const char* sz : kExpected) EXPECT_NE(sRevised.find(sz), std::string::npos) << sz << "\n" << sRevised;
+  EXPECT_EQ(sRevised.find("w:id=\"1\""), std::string::npos) << "ids start above the document's own";
+  const std::string sComments = ReadPart(m_sRevised, "word/comments.xml");
+  EXPECT_NE(sComments.find("w:author=\"审阅人\""), std::string::npos) << sComments;
+  EXPECT_NE(sComments.find("乙丙→乙丙丙"), std::string::npos) << sComments;
+  EXPECT_NE(ReadPart(m_sRevised, "word/_rels/document.xml.rels").find("relationships/comments\""), std::string::npos);
+  EXPECT_EQ(ReadPart(m_sRevised, "[Content_Types].xml"),
+            "<?xml version=\"1.0\"?><Types><Override PartName=\"/word/comments.xml\" ContentType=\"application/"
+            "vnd.openxmlformats-officedocument.wordprocessingml.comments+xml\"/></Types>");
 }
 
 TEST_F(DocReviserTest, AMissingResultOrDocumentFailsWithItsName) {
