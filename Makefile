@@ -42,7 +42,7 @@ fuzz: deps
 	bash scripts/fuzz.sh $(FUZZ_BUILD) $(FUZZ_SECONDS)
 
 bench: release
-	cmake --build $(BUILD) --target tarvos_bench tarvos_bench_dict tarvos_bench_seg tarvos_bench_docx tarvos_bench_result tarvos_bench_format tarvos_bench_rules tarvos_bench_keyscan tarvos_bench_throughput -j $(JOBS)
+	cmake --build $(BUILD) --target tarvos_bench tarvos_bench_dict tarvos_bench_seg tarvos_bench_docx tarvos_bench_result tarvos_bench_format tarvos_bench_rules tarvos_bench_keyscan tarvos_bench_revise tarvos_bench_throughput -j $(JOBS)
 	bash scripts/bench.sh $(BUILD)
 
 # Spelling quality on sentences of the shared corpus: margins are tuned on the

@@ -61,6 +61,10 @@ echo "== findings and a whole check"
 "$build/bench/tarvos_bench_result" "$build/data" "$work/report.docx" "$work"
 
 echo
+echo "== the reviser: 1,000 findings applied to the same report and packed, against reading it"
+"$build/bench/tarvos_bench_revise" "$build/data" "$work/report.docx" "$work"
+
+echo
 echo "== format check against the parse of the same report"
 "$build/bench/tarvos_bench_format" "$build/data" "$work/report.docx" 1
 
